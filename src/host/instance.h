@@ -1,0 +1,108 @@
+// One generated model instance, as the host holds it: flat vectors over rows, columns and
+// entries, 0-based inside. Every model source (native JSON, MathProg, MPS, LP) becomes one of
+// these; the host operations of host.h read it.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+inline constexpr double kHostInf = std::numeric_limits<double>::infinity();
+
+// Row types as ovmGetEquTypeOne gives them.
+enum HostRowType : int32_t { kRowE = 0, kRowG = 1, kRowL = 2, kRowN = 3 };
+
+// Variable types as ovmGetVarTypeOne gives them.
+enum HostVarType : int32_t {
+  kVarContinuous = 0, kVarBinary = 1, kVarInteger = 2, kVarSos1 = 3, kVarSos2 = 4,
+  kVarSemiCont = 5, kVarSemiInt = 6
+};
+
+// Model status codes as ovmModelStat gives them.
+enum HostModelStat : int32_t {
+  kStatOptimal = 1, kStatLocallyOptimal = 2, kStatUnbounded = 3, kStatInfeasible = 4,
+  kStatLocallyInfeasible = 5, kStatIntermediateInfeasible = 6, kStatIntermediateNonoptimal = 7,
+  kStatIntegerSolution = 8, kStatIntermediateNonInteger = 9, kStatIntegerInfeasible = 10,
+  kStatLicensingProblem = 11, kStatErrorUnknown = 12, kStatErrorNoSolution = 13,
+  kStatNoSolutionReturned = 14
+};
+
+// A label of the dictionary: its text (up to 64 characters) and its quote character,
+// ' ' when the label needs none.
+struct HostLabel {
+  std::string text;
+  char quote = ' ';
+};
+
+// A symbol of the dictionary. Equation and variable symbols are separate entries even when
+// they share a name.
+struct HostSymbol {
+  std::string name;
+  bool isEquation = false;
+  int32_t dim = 0;
+};
+
+struct HostInstance {
+  std::string inputName;   // base name of the model, e.g. "transport"
+  std::string sourcePath;  // file the instance came from
+
+  int32_t rowCount = 0;
+  int32_t colCount = 0;
+  int32_t objVar = 0;      // 1-based, 0 for none
+  int32_t objRow = 0;      // 1-based, 0 for none
+  bool minimizing = true;
+  bool hasScale = false;   // scale factors exist (ovmScaleOpt)
+
+  // Rows, 0-based. Levels, marginals and statuses are those of the solution, or the
+  // instance's own values when none was loaded.
+  std::vector<int32_t> rowType;
+  std::vector<double> rowRhs;
+  std::vector<double> rowScale;
+  std::vector<double> rowLevel;
+  std::vector<double> rowMarginal;
+  std::vector<int32_t> rowStat;
+  std::vector<int32_t> rowCStat;
+
+  // Columns, 0-based. Infinite bounds are +-kHostInf here.
+  std::vector<int32_t> colType;
+  std::vector<double> colLower;
+  std::vector<double> colUpper;
+  std::vector<double> colScale;
+  std::vector<double> colLevel;
+  std::vector<double> colMarginal;
+  std::vector<int32_t> colStat;
+  std::vector<int32_t> colCStat;
+
+  // The matrix by columns: entries of column j (0-based) are colStart[j] .. colStart[j+1]-1;
+  // entryRow is 0-based, entryNonlinear is 1 for a nonlinear entry.
+  std::vector<int32_t> colStart;
+  std::vector<int32_t> entryRow;
+  std::vector<double> entryValue;
+  std::vector<int32_t> entryNonlinear;
+
+  // The dictionary. Symbol numbers are 1-based indices into symbols; label numbers (UELs)
+  // are 1-based indices into labels. The labels of row i are
+  // rowUels[rowUelStart[i] .. rowUelStart[i+1]-1], likewise for columns.
+  std::vector<HostSymbol> symbols;
+  std::vector<HostLabel> labels;
+  std::vector<int32_t> rowSymbol;
+  std::vector<int32_t> rowUelStart;
+  std::vector<int32_t> rowUels;
+  std::vector<int32_t> colSymbol;
+  std::vector<int32_t> colUelStart;
+  std::vector<int32_t> colUels;
+
+  // Solution state.
+  bool hasSolution = false;
+  int32_t modelStat = kStatNoSolutionReturned;
+  int32_t solveStat = 1;
+};
+
+// Number of nonzeros of an instance.
+inline int32_t hostNzCount(const HostInstance& inst) {
+  return inst.colStart.empty() ? 0 : inst.colStart.back();
+}
+
+// Number of entries flagged nonlinear.
+int32_t hostNonlinearCount(const HostInstance& inst);
