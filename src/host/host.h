@@ -117,3 +117,9 @@ int ovdColUels(ovdHandle dictionary, int32_t col0, int32_t& symbol, int32_t* uel
 std::string ovdSymName(ovdHandle dictionary, int32_t symbol);
 // The label's text, at most 64 characters, and its quote character (' ' for none).
 int ovdUelLabel(ovdHandle dictionary, int32_t uel, char& quote, std::string& text);
+
+// ---- the host's own extensions, for orva and the tests ---------------------------------------
+// A model object over an instance already in memory (no control file, no environment needed).
+ovmHandle ovmCreateFromInstance(HostInstance instance);
+// A dictionary over the same instance's symbols and labels.
+ovdHandle ovdCreateFromInstance(const HostInstance& instance);

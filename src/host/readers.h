@@ -1,0 +1,27 @@
+// Model sources: every format becomes the same HostInstance, by the conversion rules of
+// docs/host.md (objective variable and row, row types, ranged rows, names into symbols and
+// labels).
+#pragma once
+
+#include <string>
+
+#include "host/instance.h"
+
+enum class ModelFormat { Json, MathProg, Mps, FixedMps, Lp, Nl };
+
+// The format named by `--format` or a control file entry: json, mathprog, mps, fixed-mps, lp,
+// nl. False for any other word.
+bool parseModelFormat(const std::string& word, ModelFormat& format);
+// The format that a file's extension implies (.json, .mod, .mps, .lp, .nl); false if none.
+bool formatFromExtension(const std::string& path, ModelFormat& format);
+const char* modelFormatName(ModelFormat format);
+
+struct ModelSource {
+  std::string path;
+  ModelFormat format = ModelFormat::Json;
+  std::string dataPath;   // MathProg data file, or empty
+};
+
+// Reads a model into `instance`. On failure returns false and sets `error` to a message that
+// names the file, the line where there is one, and what is wrong.
+bool readModel(const ModelSource& source, HostInstance& instance, std::string& error);
