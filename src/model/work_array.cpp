@@ -318,6 +318,7 @@ bool allocateWorkArray(int64_t total) {
   if (total < 1) total = 1;
   void* p = std::calloc(static_cast<size_t>(total), 8);
   if (p == nullptr) return false;
+  std::free(workArray.words);  // a run allocates once; a test may allocate again
   workArray.words = p;
   workArray.total = total;
   return true;

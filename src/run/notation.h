@@ -53,3 +53,15 @@ void writeFree(Channel& channel, std::initializer_list<FmtValue> items = {});
 
 // Writes one finished line as it stands.
 void writeRaw(Channel& channel, std::string_view line);
+
+// False for a template that the interpreter cannot read to its end (such a template is written
+// up to its fault).
+bool templateIsWellFormed(std::string_view tmpl);
+
+// When true (the default), a malformed template or a text handed to I, F or E fails an
+// assertion in debug builds. Tests that feed faulty templates on purpose clear it.
+extern bool notationStrict;
+
+// A message meant for both the log and the status file is written twice with the same words,
+// one writeLine or writeFree for each channel, in the order its report gives; a line is never
+// formatted once and copied.
