@@ -94,6 +94,9 @@ void ovmUnloadSolutionLegacy(ovmHandle model);
 const HostInstance& ovmInstance(ovmHandle model);
 
 // ---- Jacobian at a point --------------------------------------------------------------------
+// A native instance holds the derivatives of its entries but no expressions, so the evaluator
+// gives the stored derivatives at any point. `point` holds one value per column and `values`
+// one per entry of the matrix in column order, both from element 0.
 int oveInitJacLegacy(oveHandle environment, oveEvaluator& evaluator, ovmHandle model);
 int oveEvalNewPointLegacy(oveHandle environment, oveEvaluator evaluator, const double* point);
 // Next nonlinear row after `row`: rowCount + 1 to begin, -1 at the end.
@@ -120,6 +123,18 @@ int ovdUelLabel(ovdHandle dictionary, int32_t uel, char& quote, std::string& tex
 
 // ---- the host's own extensions, for orva and the tests ---------------------------------------
 // A model object over an instance already in memory (no control file, no environment needed).
+// What the instance leaves empty is filled by hostCompleteInstance. The index base is already
+// 1; infinite bounds come back as +-infinity until ovmPinfSet/ovmMinfSet. nullptr (with the
+// reason on standard error) when the instance's vectors do not fit together.
 ovmHandle ovmCreateFromInstance(HostInstance instance);
-// A dictionary over the same instance's symbols and labels.
+// A dictionary over the same instance's symbols and labels, loaded already; nullptr as above.
 ovdHandle ovdCreateFromInstance(const HostInstance& instance);
+// Why the last call of ovmLoadSolutionLegacy or ovmLoadDataLegacy failed.
+const std::string& ovmLastError(ovmHandle model);
+
+// Objects live in a table of the process until freed here (the handle becomes nullptr), so
+// that a run may end without releasing them. Freeing an evaluator is done with its model.
+void ovpFree(ovpHandle& audit);
+void oveFree(oveHandle& environment);
+void ovmFree(ovmHandle& model);
+void ovdFree(ovdHandle& dictionary);

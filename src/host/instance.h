@@ -106,3 +106,24 @@ inline int32_t hostNzCount(const HostInstance& inst) {
 
 // Number of entries flagged nonlinear.
 int32_t hostNonlinearCount(const HostInstance& inst);
+
+// Fills what an instance built in code leaves empty: scale factors 1, levels and marginals 0,
+// condition statuses 0, basis statuses from the levels (hostDefaultStatuses), no nonlinear
+// marks, and, when it has no dictionary, the names R1..Rm and C1..Cn (symbols R and
+// C, one label each). Sizes given by the vectors that are filled: rowType and colType.
+void hostCompleteInstance(HostInstance& inst);
+
+// Basis statuses that a level implies: a column at its lower bound 0, at its upper bound 1,
+// else 2 (basic); a row whose level equals its right-hand side 0 (=E=, =G=) or 1 (=L=), else 2.
+// Fills only the entries where `given` is false (all when it is empty).
+void hostDefaultStatuses(HostInstance& inst, const std::vector<bool>& rowGiven,
+                         const std::vector<bool>& colGiven);
+
+// Checks that the vectors of an instance fit its counts and that every entry names a row.
+// False with a message otherwise.
+bool hostCheckInstance(const HostInstance& inst, std::string& error);
+
+// The full name of a row or column as a modeller writes it: symbol, then the labels in
+// parentheses separated by commas, each between its quote characters.
+std::string hostRowName(const HostInstance& inst, int32_t row0);
+std::string hostColName(const HostInstance& inst, int32_t col0);

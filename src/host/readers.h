@@ -22,6 +22,14 @@ struct ModelSource {
   std::string dataPath;   // MathProg data file, or empty
 };
 
-// Reads a model into `instance`. On failure returns false and sets `error` to a message that
+// Reads a model into `instance`. GLPK's output is kept from the terminal while it reads. Should
+// GLPK itself fail (not a refused file: an error inside the library), its environment is freed,
+// and with it every GLPK object of the process: hold none across this call or hostAutoScale. On failure returns false and sets `error` to a message that
 // names the file, the line where there is one, and what is wrong.
 bool readModel(const ModelSource& source, HostInstance& instance, std::string& error);
+
+// Computes GLPK's automatic scale factors for the instance and keeps them as its scale factors
+// (hasScale true): rowScale r(i) is the factor that multiplies row i, colScale c(j) the factor
+// that multiplies variable j, so that the scaled coefficient is a(i,j) / c(j) x r(i) and a
+// scaled bound is the bound x c(j). The objective row is left unscaled.
+bool hostAutoScale(HostInstance& instance, std::string& error);

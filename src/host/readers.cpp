@@ -1,0 +1,62 @@
+#include <cctype>
+
+#include "host/readers_internal.h"
+
+namespace {
+struct FormatName {
+  ModelFormat format;
+  const char* word;
+};
+constexpr FormatName kFormats[] = {
+    {ModelFormat::Json, "json"}, {ModelFormat::MathProg, "mathprog"},
+    {ModelFormat::Mps, "mps"},   {ModelFormat::FixedMps, "fixed-mps"},
+    {ModelFormat::Lp, "lp"},     {ModelFormat::Nl, "nl"},
+};
+
+std::string lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return s;
+}
+}  // namespace
+
+bool parseModelFormat(const std::string& word, ModelFormat& format) {
+  const std::string w = lower(word);
+  for (const FormatName& f : kFormats)
+    if (w == f.word) {
+      format = f.format;
+      return true;
+    }
+  return false;
+}
+
+bool formatFromExtension(const std::string& path, ModelFormat& format) {
+  const auto slash = path.find_last_of('/');
+  const auto dot = path.find_last_of('.');
+  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return false;
+  const std::string ext = lower(path.substr(dot + 1));
+  if (ext == "json") format = ModelFormat::Json;
+  else if (ext == "mod") format = ModelFormat::MathProg;
+  else if (ext == "mps") format = ModelFormat::Mps;
+  else if (ext == "lp") format = ModelFormat::Lp;
+  else if (ext == "nl") format = ModelFormat::Nl;
+  else return false;
+  return true;
+}
+
+const char* modelFormatName(ModelFormat format) {
+  for (const FormatName& f : kFormats)
+    if (f.format == format) return f.word;
+  return "unknown";
+}
+
+bool readModel(const ModelSource& source, HostInstance& instance, std::string& error) {
+  switch (source.format) {
+    case ModelFormat::Json:
+      return readJsonModel(source.path, instance, error);
+    case ModelFormat::Nl:
+      error = source.path + ": AMPL nonlinear (.nl) models cannot be read by this host";
+      return false;
+    default:
+      return readGlpkModel(source, instance, error);
+  }
+}

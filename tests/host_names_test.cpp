@@ -1,0 +1,145 @@
+// Names of rows and columns into symbols and labels.
+#include <gtest/gtest.h>
+
+#include "host/host.h"
+#include "host/names.h"
+
+namespace {
+
+std::string labelsOf(const HostName& n) {
+  std::string out;
+  for (const HostLabel& l : n.labels) {
+    if (!out.empty()) out += '|';
+    if (l.quote != ' ') out += l.quote;
+    out += l.text;
+  }
+  return out;
+}
+
+TEST(HostNames, BracketsParenthesesAndQuotes) {
+  HostName a = hostParseName("supply[seattle]");
+  EXPECT_EQ(a.symbol, "supply");
+  EXPECT_EQ(labelsOf(a), "seattle");
+  HostName b = hostParseName("x(seattle,'new york')");
+  EXPECT_EQ(b.symbol, "x");
+  EXPECT_EQ(labelsOf(b), "seattle|'new york");
+  ASSERT_EQ(b.labels.size(), 2u);
+  EXPECT_EQ(b.labels[1].text, "new york");
+  EXPECT_EQ(b.labels[1].quote, '\'');
+  EXPECT_EQ(b.labels[0].quote, ' ');
+  HostName c = hostParseName("flow[\"a b\", c ,'O''Hare']");
+  EXPECT_EQ(c.symbol, "flow");
+  EXPECT_EQ(labelsOf(c), "\"a b|c|'O'Hare");
+  HostName comma = hostParseName("r('a,b',c)");
+  EXPECT_EQ(labelsOf(comma), "'a,b|c");
+}
+
+TEST(HostNames, DigitsSuffixAndScalars) {
+  HostName a = hostParseName("x17");
+  EXPECT_EQ(a.symbol, "x");
+  EXPECT_EQ(labelsOf(a), "17");
+  HostName b = hostParseName("e_3");
+  EXPECT_EQ(b.symbol, "e_");
+  EXPECT_EQ(labelsOf(b), "3");
+  HostName c = hostParseName("R0009");
+  EXPECT_EQ(c.symbol, "R");
+  EXPECT_EQ(labelsOf(c), "0009");
+  for (const char* scalar : {"cost", "17", "a(b)c", "x()", "x(a,)", "(a)", "y['open)", "z(a"}) {
+    HostName s = hostParseName(scalar);
+    EXPECT_EQ(s.symbol, scalar) << scalar;
+    EXPECT_TRUE(s.labels.empty()) << scalar;
+  }
+}
+
+TEST(HostNames, DictionaryKeepsKindsApartAndBreaksOddCounts) {
+  HostInstance inst;
+  std::vector<HostName> rows = {hostParseName("x(a)"), hostParseName("x(b)"),
+                                hostParseName("x(a,b)"), hostParseName("bal")};
+  std::vector<HostName> cols = {hostParseName("x(a,b)"), hostParseName("x(c,d)"),
+                                hostParseName("x7"), hostParseName("bal")};
+  hostBuildDictionary(inst, rows, cols);
+  inst.rowCount = 4;
+  inst.colCount = 4;
+  // Equations x (dim 1), x(a,b) (scalar), bal; variables x (dim 2), x7 (scalar), bal.
+  ASSERT_EQ(inst.symbols.size(), 6u);
+  EXPECT_EQ(inst.rowSymbol, (std::vector<int32_t>{1, 1, 2, 3}));
+  EXPECT_EQ(inst.symbols[1].name, "x(a,b)");
+  EXPECT_EQ(inst.symbols[1].dim, 0);
+  EXPECT_TRUE(inst.symbols[1].isEquation);
+  EXPECT_EQ(inst.colSymbol, (std::vector<int32_t>{4, 4, 5, 6}));
+  EXPECT_EQ(inst.symbols[3].name, "x");
+  EXPECT_FALSE(inst.symbols[3].isEquation);
+  EXPECT_EQ(inst.symbols[4].name, "x7");
+  EXPECT_EQ(inst.symbols[5].name, "bal");
+  EXPECT_NE(inst.rowSymbol[3], inst.colSymbol[3]);
+  // Labels are shared between rows and columns: a, b, c, d.
+  EXPECT_EQ(inst.labels.size(), 4u);
+  EXPECT_EQ(inst.rowUelStart, (std::vector<int32_t>{0, 1, 2, 2, 2}));
+  EXPECT_EQ(inst.colUels, (std::vector<int32_t>{1, 2, 3, 4}));
+  EXPECT_EQ(hostRowName(inst, 2), "x(a,b)");
+  EXPECT_EQ(hostColName(inst, 1), "x(c,d)");
+}
+
+TEST(HostNames, ABrokenNameThatIsAlreadyASymbolWithLabels) {
+  // "x17" breaks the scalar "x"; its own full name is already a symbol with one label, so it
+  // becomes a further scalar symbol "x17", and later names like it join that one.
+  HostInstance inst;
+  hostBuildDictionary(inst, {}, {hostParseName("x"), hostParseName("x17(a)"),
+                                 hostParseName("x17"), hostParseName("x17(b)"),
+                                 hostParseName("x17")});
+  ASSERT_EQ(inst.symbols.size(), 3u);
+  EXPECT_EQ(inst.colSymbol, (std::vector<int32_t>{1, 2, 3, 2, 3}));
+  EXPECT_EQ(inst.symbols[2].name, "x17");
+  EXPECT_EQ(inst.symbols[2].dim, 0);
+  EXPECT_EQ(inst.symbols[1].dim, 1);
+}
+
+TEST(HostNames, LongLabelsAreCutButStayApart) {
+  const std::string stem(64, 'a');
+  HostInstance inst;
+  hostBuildDictionary(inst, {},
+                      {hostMakeName("p", {HostLabel{stem + "1", ' '}}),
+                       hostMakeName("p", {HostLabel{stem + "2", ' '}})});
+  ASSERT_EQ(inst.labels.size(), 2u);
+  EXPECT_EQ(inst.labels[0].text, stem);
+  EXPECT_EQ(inst.labels[1].text, stem);
+  EXPECT_NE(inst.colUels[0], inst.colUels[1]);
+}
+
+TEST(HostNames, DictionaryOperationsCountFromZero) {
+  HostInstance inst;
+  inst.rowType = {kRowE, kRowL};
+  inst.colType = {kVarContinuous};
+  hostBuildDictionary(inst, {hostParseName("bal(seattle,'new york')"), hostParseName("cap")},
+                      {hostParseName("ship[\"a b\"]")});
+  ovdHandle d = ovdCreateFromInstance(inst);
+  EXPECT_EQ(ovdNLSyms(d), 3);
+  EXPECT_EQ(ovdLrgDim(d), 2);
+  int32_t symbol = 0, dim = 0, uels[10] = {};
+  ASSERT_EQ(ovdRowUels(d, 0, symbol, uels, dim), 0);
+  EXPECT_EQ(ovdSymName(d, symbol), "bal");
+  ASSERT_EQ(dim, 2);
+  char quote = 'x';
+  std::string text;
+  ASSERT_EQ(ovdUelLabel(d, uels[0], quote, text), 0);
+  EXPECT_EQ(quote, ' ');
+  EXPECT_EQ(text, "seattle");
+  ASSERT_EQ(ovdUelLabel(d, uels[1], quote, text), 0);
+  EXPECT_EQ(quote, '\'');
+  EXPECT_EQ(text, "new york");
+  ASSERT_EQ(ovdRowUels(d, 1, symbol, uels, dim), 0);
+  EXPECT_EQ(ovdSymName(d, symbol), "cap");
+  EXPECT_EQ(dim, 0);
+  ASSERT_EQ(ovdColUels(d, 0, symbol, uels, dim), 0);
+  EXPECT_EQ(ovdSymName(d, symbol), "ship");
+  ASSERT_EQ(ovdUelLabel(d, uels[0], quote, text), 0);
+  EXPECT_EQ(quote, '"');
+  EXPECT_EQ(text, "a b");
+  EXPECT_NE(ovdRowUels(d, 2, symbol, uels, dim), 0);
+  EXPECT_NE(ovdColUels(d, -1, symbol, uels, dim), 0);
+  EXPECT_NE(ovdUelLabel(d, 99, quote, text), 0);
+  ovdFree(d);
+  EXPECT_EQ(d, nullptr);
+}
+
+}  // namespace
