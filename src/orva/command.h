@@ -1,0 +1,31 @@
+// The orva command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct OrvaCommand {
+  std::string modelPath;
+  std::string dataPath;
+  std::string formatWord;      // --format, empty: from the extension
+  std::string requestsPath;    // --requests, empty: beside the model
+  std::string optionsPath;     // --options, empty: modrake.opt beside the model if present
+  int pageWidth = 130;
+  int solveMode = 0;           // 1 --solve, -1 --no-solve, 0 decided by the request file
+  std::string solutionPath;    // --solution
+  double timeLimitSeconds = 0; // --time-limit, 0: none
+  bool scaleAuto = false;      // --scale auto
+  std::string listingPath;     // --listing, empty: <input>.lst here, "-": standard output
+  std::string keepScratchDir;  // --keep-scratch
+  bool help = false;
+};
+
+inline constexpr int kOrvaPageWidthMin = 50;
+inline constexpr int kOrvaPageWidthMax = 254;
+
+// The usage text, for --help and after a usage error.
+const char* orvaUsage();
+
+// Parses the arguments after the program name. False with `error` on a usage error.
+bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& command,
+                          std::string& error);

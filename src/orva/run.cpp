@@ -1,0 +1,358 @@
+#include "orva/run.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/readers.h"
+#include "host/solution_file.h"
+#include "orva/listing.h"
+#include "orva/options.h"
+#include "orva/requests.h"
+#include "orva/solve.h"
+
+extern char** environ;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Host options hold at most 255 characters, and modrake's joined paths at most 375.
+constexpr size_t kHostOptionLength = 255;
+constexpr size_t kJoinedPathLength = 375;
+
+int fail(const std::string& message) {
+  std::fprintf(stderr, "orva: %s\n", message.c_str());
+  return kOrvaExitInputError;
+}
+
+bool isRegularFile(const std::string& path) {
+  std::error_code ec;
+  return fs::is_regular_file(path, ec);
+}
+
+std::string absolutePath(const std::string& path) {
+  std::error_code ec;
+  fs::path p = fs::absolute(path, ec);
+  return ec ? path : p.lexically_normal().string();
+}
+
+std::string withSeparator(std::string dir) {
+  if (dir.empty() || dir.back() != '/') dir.push_back('/');
+  return dir;
+}
+
+bool readWholeFile(const std::string& path, std::string& text) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  std::ostringstream s;
+  s << in.rdbuf();
+  text = s.str();
+  return true;
+}
+
+// The folder of the running program, from /proc/self/exe.
+std::string programFolder() {
+  std::error_code ec;
+  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  return ec ? std::string() : exe.parent_path().string();
+}
+
+// The scratch folder: DIR of --keep-scratch, created when missing, or a fresh one.
+bool makeScratch(const OrvaCommand& cmd, std::string& dir, std::string& error) {
+  if (!cmd.keepScratchDir.empty()) {
+    std::error_code ec;
+    fs::create_directories(cmd.keepScratchDir, ec);
+    if (ec || !fs::is_directory(cmd.keepScratchDir, ec)) {
+      error = cmd.keepScratchDir + ": cannot make the scratch folder: " + ec.message();
+      return false;
+    }
+    dir = withSeparator(absolutePath(cmd.keepScratchDir));
+    return true;
+  }
+  const char* tmp = std::getenv("TMPDIR");
+  std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp");
+  pattern = withSeparator(pattern) + "orva-XXXXXX";
+  std::vector<char> buf(pattern.begin(), pattern.end());
+  buf.push_back('\0');
+  if (mkdtemp(buf.data()) == nullptr) {
+    error = pattern + ": cannot make a scratch folder: " + std::strerror(errno);
+    return false;
+  }
+  dir = withSeparator(buf.data());
+  return true;
+}
+
+bool copyFile(const std::string& from, const std::string& to, std::string& error) {
+  std::error_code ec;
+  fs::copy_file(from, to, fs::copy_options::overwrite_existing, ec);
+  if (ec) {
+    error = from + ": cannot copy to " + to + ": " + ec.message();
+    return false;
+  }
+  return true;
+}
+
+// Starts modrake with the control file, its standard output on ours, and waits for it.
+// Returns its exit status, or -1 with `error`.
+int runModrake(const std::string& modrake, const std::string& controlFile, std::string& error) {
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::vector<char> prog(modrake.begin(), modrake.end());
+  prog.push_back('\0');
+  std::vector<char> arg(controlFile.begin(), controlFile.end());
+  arg.push_back('\0');
+  char* argv[] = {prog.data(), arg.data(), nullptr};
+  // An interrupt stops modrake; orva itself lives on to write the listing and clean up.
+  posix_spawnattr_t attr;
+  posix_spawnattr_init(&attr);
+  sigset_t defaults;
+  sigemptyset(&defaults);
+  sigaddset(&defaults, SIGINT);
+  sigaddset(&defaults, SIGTERM);
+  posix_spawnattr_setsigdefault(&attr, &defaults);
+  posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGDEF);
+  struct sigaction ignore {}, oldInt {}, oldTerm {};
+  ignore.sa_handler = SIG_IGN;
+  sigemptyset(&ignore.sa_mask);
+  sigaction(SIGINT, &ignore, &oldInt);
+  sigaction(SIGTERM, &ignore, &oldTerm);
+  pid_t pid = 0;
+  int rc = posix_spawn(&pid, modrake.c_str(), nullptr, &attr, argv, environ);
+  posix_spawnattr_destroy(&attr);
+  int status = 0;
+  bool waited = rc == 0;
+  while (waited && waitpid(pid, &status, 0) < 0) {
+    if (errno != EINTR) {
+      error = modrake + ": lost while waiting: " + std::strerror(errno);
+      waited = false;
+      rc = -1;
+    }
+  }
+  sigaction(SIGINT, &oldInt, nullptr);
+  sigaction(SIGTERM, &oldTerm, nullptr);
+  if (rc > 0) error = modrake + ": cannot start: " + std::strerror(rc);
+  if (!waited) return -1;
+  if (WIFEXITED(status)) return WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) {
+    std::fprintf(stderr, "orva: modrake ended by signal %d\n", WTERMSIG(status));
+    return 128 + WTERMSIG(status);
+  }
+  error = modrake + ": ended in an unknown way";
+  return -1;
+}
+
+struct Scratch {
+  std::string dir;
+  bool keep = true;
+  ~Scratch() {
+    if (!keep && !dir.empty()) {
+      std::error_code ec;
+      fs::remove_all(dir, ec);
+    }
+  }
+};
+
+}  // namespace
+
+HostOptions orvaHostOptions(const OrvaRunFiles& f) {
+  HostOptions o;
+  auto add = [&o](const char* name, const std::string& value) {
+    if (!value.empty()) o.emplace_back(name, value);
+  };
+  add(kOptNameStaFile, f.statusFile);
+  add(kOptNameWrkDir, f.workDir);
+  add(kOptNameScrDir, f.scratchDir);
+  add(kOptNameScrExt, kOrvaScratchExt);
+  add(kOptPageWidth, std::to_string(f.pageWidth));
+  add(kOptPageSize, std::to_string(f.pageSize));
+  add(kOptModelFile, f.modelFile);
+  add(kOptModelFormat, f.modelFormat);
+  add(kOptDataFile, f.dataFile);
+  add(kOptSolutionFile, f.solutionFile);
+  add(kOptInputName, f.inputName);
+  if (f.scaleAuto) add(kOptScaleSource, "auto");
+  return o;
+}
+
+int orvaMain(const std::vector<std::string>& args) {
+  OrvaCommand cmd;
+  std::string error;
+  if (!orvaParseCommandLine(args, cmd, error)) {
+    std::fprintf(stderr, "orva: %s\n%s", error.c_str(), orvaUsage());
+    return kOrvaExitInputError;
+  }
+  if (cmd.help) {
+    std::fputs(orvaUsage(), stdout);
+    return 0;
+  }
+
+  // The model, read before anything else: a model that cannot be read never reaches modrake.
+  ModelSource source;
+  source.path = cmd.modelPath;
+  source.dataPath = cmd.dataPath;
+  if (!cmd.formatWord.empty()) {
+    if (!parseModelFormat(cmd.formatWord, source.format)) {
+      return fail("--format " + cmd.formatWord +
+                  ": unknown format; known are json, mathprog, mps, fixed-mps, lp, nl");
+    }
+  } else if (!formatFromExtension(cmd.modelPath, source.format)) {
+    return fail(cmd.modelPath +
+                ": cannot tell the format from the extension (.json, .mod, .mps, .lp, .nl); "
+                "name it with --format");
+  }
+  if (source.format == ModelFormat::Nl) {
+    return fail(cmd.modelPath + ": the .nl reader is not in this build");
+  }
+  if (!isRegularFile(cmd.modelPath)) return fail(cmd.modelPath + ": no such model file");
+  if (!cmd.dataPath.empty() && !isRegularFile(cmd.dataPath)) {
+    return fail(cmd.dataPath + ": no such data file");
+  }
+  HostInstance instance;
+  if (!readModel(source, instance, error)) return fail(error);
+  const fs::path modelPath = absolutePath(cmd.modelPath);
+  const std::string modelDir = withSeparator(modelPath.parent_path().string());
+  // The input name is the model file's base name: it names the request file and the listing.
+  const std::string inputName = modelPath.stem().string();
+
+  // The option file.
+  OrvaOptions options;
+  std::string optionsPath = cmd.optionsPath;
+  if (optionsPath.empty() && isRegularFile(modelDir + "modrake.opt")) {
+    optionsPath = modelDir + "modrake.opt";
+  }
+  if (!optionsPath.empty() && !orvaReadOptionFile(optionsPath, options, error)) return fail(error);
+
+  // The request file.
+  std::string requestsPath = cmd.requestsPath.empty() ? modelDir + inputName + ".mrk"
+                                                      : cmd.requestsPath;
+  std::string requestText;
+  const bool requestsExist = isRegularFile(requestsPath);
+  if (!cmd.requestsPath.empty() && !requestsExist) {
+    return fail(cmd.requestsPath + ": no such request file");
+  }
+  if (requestsExist && !readWholeFile(requestsPath, requestText)) {
+    return fail(requestsPath + ": cannot read the request file");
+  }
+
+  // The solution: a user's, checked first, or GLPK's.
+  HostSolution solution;
+  const bool userSolution = !cmd.solutionPath.empty();
+  if (userSolution) {
+    if (!isRegularFile(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
+    if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
+  }
+  const bool askedByRequests = cmd.solveMode == 0 && orvaRequestsNeedSolution(requestText);
+  const bool solve = !userSolution && (cmd.solveMode == 1 || askedByRequests);
+  if (solve) {
+    std::string reason = orvaUnsolvableReason(instance);
+    if (!reason.empty()) {
+      return fail(cmd.modelPath + ": cannot solve: " + reason +
+                  " (run with --no-solve, or hand a solution over with --solution FILE)");
+    }
+    OrvaSolveSettings settings;
+    settings.timeLimitSeconds = cmd.timeLimitSeconds;
+    orvaSolveInstance(instance, settings, solution);
+    if (instance.objVar > 0 && !solution.colLevel.empty()) {
+      std::fprintf(stderr, "orva: GLPK: model status %d %s, objective %.10g\n",
+                   static_cast<int>(solution.modelStat), orvaModelStatName(solution.modelStat),
+                   solution.colLevel[instance.objVar - 1]);
+    } else {
+      std::fprintf(stderr, "orva: GLPK: model status %d %s\n",
+                   static_cast<int>(solution.modelStat), orvaModelStatName(solution.modelStat));
+    }
+  }
+  options.solutionExpected = userSolution || solve;
+
+  // modrake, next to this program.
+  const std::string modrake = withSeparator(programFolder()) + "modrake";
+  if (access(modrake.c_str(), X_OK) != 0) {
+    return fail(modrake + ": modrake is not next to orva");
+  }
+
+  // The scratch folder and the files of the run.
+  Scratch scratch;
+  if (!makeScratch(cmd, scratch.dir, error)) return fail(error);
+  scratch.keep = !cmd.keepScratchDir.empty();
+  const std::string ext = kOrvaScratchExt;
+  if (scratch.dir.size() + std::strlen("modrake.") + ext.size() > kJoinedPathLength - 1 ||
+      scratch.dir.size() > kHostOptionLength) {
+    return fail(scratch.dir + ": the scratch folder's path is too long (at most " +
+                std::to_string(kHostOptionLength) + " characters)");
+  }
+
+  OrvaRunFiles files;
+  files.statusFile = scratch.dir + inputName + ".sta";
+  files.scratchDir = scratch.dir;
+  files.pageWidth = cmd.pageWidth;
+  files.modelFile = modelPath.string();
+  files.modelFormat = modelFormatName(source.format);
+  files.dataFile = cmd.dataPath.empty() ? std::string() : absolutePath(cmd.dataPath);
+  files.inputName = inputName;
+  files.scaleAuto = cmd.scaleAuto;
+  // The request file is read where it stands when modrake can name it there; one given with
+  // --requests, or one whose folder is too long a path, is copied into the scratch folder.
+  const bool readInPlace = cmd.requestsPath.empty() && modelDir.size() <= kHostOptionLength &&
+                           modelDir.size() + inputName.size() + 4 <= kJoinedPathLength;
+  if (readInPlace) {
+    files.workDir = modelDir;
+  } else {
+    files.workDir = scratch.dir;
+    if (requestsExist && !copyFile(requestsPath, scratch.dir + inputName + ".mrk", error)) {
+      return fail(error);
+    }
+  }
+  std::error_code ec;
+  for (const char* stale : {"ovmstat.", "mrkanal."}) fs::remove(scratch.dir + stale + ext, ec);
+  {
+    std::FILE* f = std::fopen(files.statusFile.c_str(), "w");  // modrake appends to it
+    if (f == nullptr) return fail(files.statusFile + ": cannot create: " + std::strerror(errno));
+    std::fclose(f);
+  }
+  if (options.solutionExpected) {
+    if (userSolution) {
+      files.solutionFile = absolutePath(cmd.solutionPath);
+    } else {
+      files.solutionFile = scratch.dir + inputName + ".sol";
+      if (!writeSolutionFile(files.solutionFile, instance, solution, error)) return fail(error);
+    }
+  }
+  const std::string controlFile = scratch.dir + "orva.ctl";
+  if (!writeHostControlFile(controlFile, orvaHostOptions(files), error)) return fail(error);
+  if (!orvaWriteControlRecords(scratch.dir + "modrake." + ext, options, error)) return fail(error);
+
+  const int status = runModrake(modrake, controlFile, error);
+  if (status < 0) return fail(error);
+
+  // The listing.
+  std::FILE* out = stdout;
+  std::string listingPath = cmd.listingPath.empty() ? inputName + ".lst" : cmd.listingPath;
+  if (listingPath != "-") {
+    out = std::fopen(listingPath.c_str(), "w");
+    if (out == nullptr) {
+      return fail(listingPath + ": cannot write the listing: " + std::strerror(errno));
+    }
+  }
+  const int handedSolve = options.solutionExpected ? solution.solveStat : 0;
+  const int handedModel = options.solutionExpected ? solution.modelStat : 0;
+  bool ok = orvaWriteListing(files.statusFile, scratch.dir + "ovmstat." + ext, handedSolve,
+                             handedModel, out, stderr, error);
+  bool writeFailed = std::ferror(out) != 0;
+  if (out != stdout && std::fclose(out) != 0) writeFailed = true;
+  if (!ok) return fail(error);
+  if (writeFailed) {
+    scratch.keep = true;
+    return fail(listingPath + ": the listing could not be written whole; the status file " +
+                "stays in " + scratch.dir);
+  }
+  return status;
+}

@@ -1,0 +1,35 @@
+// One orva run: read the model, solve it when asked, write the files of the run into a scratch
+// folder, start modrake, and write the listing.
+#pragma once
+
+#include <string>
+
+#include "host/control_file.h"
+#include "orva/command.h"
+
+// Exit status of a usage or input error of orva itself.
+inline constexpr int kOrvaExitInputError = 2;
+
+// Scratch extension of the run's files.
+inline constexpr const char* kOrvaScratchExt = "scr";
+
+// The entries of the host control file of a run, in the order written. `scratchDir` and
+// `workDir` end in their separator; empty paths are left out.
+struct OrvaRunFiles {
+  std::string statusFile;
+  std::string workDir;
+  std::string scratchDir;
+  int pageWidth = 130;
+  int pageSize = 60;
+  std::string modelFile;
+  std::string modelFormat;
+  std::string dataFile;
+  std::string solutionFile;
+  std::string inputName;
+  bool scaleAuto = false;
+};
+HostOptions orvaHostOptions(const OrvaRunFiles& files);
+
+// Runs orva on the arguments after the program name; returns the exit status: modrake's own,
+// 0 after --help, or 2 for a usage or input error, whose message goes to standard error.
+int orvaMain(const std::vector<std::string>& args);

@@ -1,0 +1,307 @@
+// The orva command as a user runs it: bad input ends with exit status 2 and a message that
+// names the file and line before modrake starts; good input gives a listing.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kSource = SOURCE_DIR;
+const std::string kData = kSource + "/tests/data/orva/";
+const std::string kTransport = kSource + "/examples/transport/transport.mod";
+
+struct RunResult {
+  int status = -1;
+  std::string out, err;
+};
+
+std::string readFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::vector<std::string> readLines(const fs::path& path) {
+  std::ifstream in(path);
+  std::vector<std::string> lines;
+  for (std::string l; std::getline(in, l);) lines.push_back(l);
+  return lines;
+}
+
+std::string quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+// A fresh folder per test, the current folder of the runs.
+fs::path freshDir(const std::string& name) {
+  fs::path dir = fs::path(testing::TempDir()) /
+                 ("orva_cmd_" + name + "_" + std::to_string(getpid()));
+  fs::remove_all(dir);
+  fs::create_directories(dir);
+  return dir;
+}
+
+RunResult runOrva(const fs::path& dir, const std::vector<std::string>& args) {
+  std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN);
+  for (const std::string& a : args) cmd += " " + quote(a);
+  cmd += " >" + quote((dir / "run.out").string()) + " 2>" + quote((dir / "run.err").string());
+  RunResult r;
+  int raw = std::system(cmd.c_str());
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = readFile(dir / "run.out");
+  r.err = readFile(dir / "run.err");
+  return r;
+}
+
+TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {
+  struct Case {
+    const char* what;
+    std::vector<std::string> args;
+    std::string message;  // the first line of standard error
+  };
+  const std::vector<Case> cases = {
+      {"MathProg syntax error", {kData + "syntax_error.mod"},
+       "orva: " + kData + "syntax_error.mod:6: "},
+      {"unknown option keyword", {kTransport, "--options", kData + "unknown_keyword.opt"},
+       "orva: " + kData + "unknown_keyword.opt:5: unknown option keyword \"BLOCKSIZE\""},
+      {"option value out of range", {kTransport, "--options", kData + "out_of_range.opt"},
+       "orva: " + kData + "out_of_range.opt:2: the value 123456 of VARREQUESTS lies outside "
+       "-9999 to 99999"},
+      {"option value not a number", {kTransport, "--options", kData + "not_a_number.opt"},
+       "orva: " + kData + "not_a_number.opt:1: the value \"six\" of LARGEMARGINAL is not a "
+       "whole number"},
+      {"missing option file", {kTransport, "--options", kData + "none.opt"},
+       "orva: " + kData + "none.opt: cannot read the option file"},
+      {"missing data file", {kData + "needs_data.mod", "--data", kData + "none.dat"},
+       "orva: " + kData + "none.dat: no such data file"},
+      {"missing model file", {kData + "none.mod"}, "orva: " + kData + "none.mod: no such model file"},
+      {"native instance of a wrong type", {kData + "bad_types.json"},
+       "orva: " + kData + "bad_types.json:5: "},
+      {"entry in a row that does not exist", {kData + "bad_entry_row.json"},
+       "orva: " + kData + "bad_entry_row.json:9: "},
+      {"negative count", {kData + "negative_count.json"},
+       "orva: " + kData + "negative_count.json:3: "},
+      {"malformed solution", {kTransport, "--solution", kData + "transport_bad.sol"},
+       "orva: " + kData + "transport_bad.sol:6: "},
+      {"missing solution", {kTransport, "--solution", kData + "none.sol"},
+       "orva: " + kData + "none.sol: no such solution file"},
+      {"missing request file", {kTransport, "--requests", kData + "none.mrk"},
+       "orva: " + kData + "none.mrk: no such request file"},
+      {"nonlinear format", {kData + "model.nl"},
+       "orva: " + kData + "model.nl: the .nl reader is not in this build"},
+      {"unknown extension", {kData + "model.txt"}, "orva: " + kData + "model.txt: cannot tell the format"},
+      {"unknown format word", {kTransport, "--format", "ampl"}, "orva: --format ampl: unknown format"},
+      {"unknown command-line option", {kTransport, "--verbose"}, "orva: unknown option --verbose"},
+      {"option without its value", {kTransport, "--listing"}, "orva: --listing needs a value"},
+      {"page width out of range", {kTransport, "--page-width", "20"},
+       "orva: --page-width 20: the page width is a whole number from 50 to 254"},
+      {"time limit not a number", {kTransport, "--time-limit", "soon"},
+       "orva: --time-limit soon: the time limit is a number of seconds above 0"},
+      {"scale source", {kTransport, "--scale", "geometric"},
+       "orva: --scale geometric: the only scale source is auto"},
+      {"solve and no-solve", {kTransport, "--solve", "--no-solve"},
+       "orva: --solve and --no-solve exclude each other"},
+      {"no model", {"--no-solve"}, "orva: no model given"},
+  };
+  const fs::path dir = freshDir("bad");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    RunResult r = runOrva(dir, c.args);
+    EXPECT_EQ(r.status, 2);
+    EXPECT_EQ(r.err.rfind(c.message, 0), 0u) << r.err;
+    // Nothing reached modrake: no listing, no log.
+    EXPECT_FALSE(fs::exists(dir / "transport.lst"));
+    EXPECT_EQ(r.out, "");
+  }
+  fs::remove_all(dir);
+}
+
+TEST(OrvaCommandBadInput, UnsolvableModelSaysWhatToDo) {
+  const fs::path dir = freshDir("unsolvable");
+  std::ofstream(dir / "sos.json") << R"({"name": "sos", "objVar": "z", "rows": [
+  {"name": "cost", "type": "E", "rhs": 0}],
+  "cols": [{"name": "x", "type": "sos1", "upper": 4, "entries": [["cost", 1]]},
+  {"name": "z", "lower": "-inf", "entries": [["cost", -1]]}]})";
+  RunResult r = runOrva(dir, {"sos.json", "--solve"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("sos.json: cannot solve: variable 1 is of a kind (SOS or semi-continuous)"),
+            std::string::npos)
+      << r.err;
+  EXPECT_NE(r.err.find("--no-solve"), std::string::npos);
+  fs::remove_all(dir);
+}
+
+TEST(OrvaCommand, HelpGoesToStandardOutput) {
+  const fs::path dir = freshDir("help");
+  RunResult r = runOrva(dir, {"--help"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out.rfind("usage: orva MODEL [--data FILE]", 0), 0u) << r.out;
+  EXPECT_EQ(r.err, "");
+  fs::remove_all(dir);
+}
+
+// The demo: the request file beside the model, no solve, the listing in the current folder,
+// the scratch folder kept.
+TEST(OrvaCommandRun, TransportDemoListing) {
+  const fs::path dir = freshDir("demo");
+  const fs::path scratch = dir / "scratch";
+  RunResult r = runOrva(dir, {kTransport, "--keep-scratch", scratch.string()});
+  ASSERT_EQ(r.status, 0) << r.err;
+
+  // The files of the run.
+  const std::vector<std::string> control = readLines(scratch / "orva.ctl");
+  const std::string scr = fs::absolute(scratch).lexically_normal().string() + "/";
+  const std::vector<std::string> expectedControl = {
+      "NameStaFile = " + scr + "transport.sta",
+      "NameWrkDir = " + kSource + "/examples/transport/",
+      "NameScrDir = " + scr,
+      "NameScrExt = scr",
+      "PageWidth = 130",
+      "PageSize = 60",
+      "ModelFile = " + kTransport,
+      "ModelFormat = mathprog",
+      "InputName = transport",
+  };
+  EXPECT_EQ(control, expectedControl);
+  const std::vector<std::string> records = readLines(scratch / "modrake.scr");
+  ASSERT_EQ(records.size(), 8u);
+  EXPECT_EQ(records[0].substr(30), "F");
+  EXPECT_EQ(records[1].substr(30), " 1000");
+  EXPECT_EQ(records[3].substr(30), "    0");
+
+  // The listing: host records acted on, titles underlined, statuses at the end.
+  const std::vector<std::string> listing = readLines(dir / "transport.lst");
+  ASSERT_GE(listing.size(), 3u);
+  for (const std::string& line : listing) {
+    EXPECT_NE(line.rfind("=", 0), 0u) << line;
+  }
+  int titles = 0;
+  for (size_t k = 0; k + 1 < listing.size(); ++k) {
+    if (listing[k] == " #### MODRAKE ANALYSIS" || listing[k] == " #### MODRAKE BLOCKPIC" ||
+        listing[k] == " #### MODRAKE BLOCKLIST") {
+      ++titles;
+      EXPECT_EQ(listing[k + 1], " " + std::string(listing[k].size() - 1, '='));
+    }
+  }
+  EXPECT_EQ(titles, 3);
+  EXPECT_EQ(listing[listing.size() - 2], " Solve status     1  normal completion");
+  EXPECT_EQ(listing[listing.size() - 1], " Model status    14  no solution returned");
+  // The echoed comment of the request file and the log on standard output.
+  EXPECT_NE(readFile(dir / "transport.lst").find("Transportation model: its structure"),
+            std::string::npos);
+  EXPECT_NE(r.out.find("MODRAKE All Done"), std::string::npos);
+  fs::remove_all(dir);
+}
+
+// POSTOPT in the request file: solved by default, the solution handed over, the statuses of
+// the solve at the end of the listing, the listing on standard output, scale factors asked.
+TEST(OrvaCommandRun, PostoptRequestSolvesFirst) {
+  const fs::path dir = freshDir("postopt");
+  const fs::path scratch = dir / "kept";
+  RunResult r = runOrva(dir, {kData + "small.json", "--listing", "-", "--keep-scratch",
+                              scratch.string(), "--page-width", "100", "--scale", "auto",
+                              "--time-limit=30"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find("orva: GLPK: model status 1 optimal, objective 2.5"), std::string::npos)
+      << r.err;
+  EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
+  const std::vector<std::string> control = readLines(scratch / "orva.ctl");
+  const std::string scr = fs::absolute(scratch).lexically_normal().string() + "/";
+  EXPECT_NE(std::find(control.begin(), control.end(), "SolutionFile = " + scr + "small.sol"),
+            control.end());
+  EXPECT_NE(std::find(control.begin(), control.end(), "PageWidth = 100"), control.end());
+  EXPECT_NE(std::find(control.begin(), control.end(), "ScaleSource = auto"), control.end());
+  EXPECT_TRUE(fs::exists(scratch / "small.sol"));
+  EXPECT_NE(r.out.find(" #### MODRAKE POSTOPT\n ====================\n"), std::string::npos);
+  EXPECT_NE(r.out.find("\n Solve status     1  normal completion\n Model status     1  optimal\n"),
+            std::string::npos);
+  EXPECT_FALSE(fs::exists(dir / "small.lst"));
+  fs::remove_all(dir);
+}
+
+// --no-solve keeps the solve away even when POSTOPT asks; --requests takes a request file
+// from elsewhere; without --keep-scratch nothing of the run stays behind.
+TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
+  const fs::path dir = freshDir("nosolve");
+  std::ofstream(dir / "mine.mrk") << "# from elsewhere\nPOSTOPT\nVARIABLES\nx\n";
+  const fs::path tmp = dir / "tmp";
+  fs::create_directories(tmp);
+  const std::string cmdEnv = "TMPDIR=" + tmp.string();
+  // TMPDIR reaches orva through the environment of the shell line.
+  std::string cmd = "cd " + quote(dir.string()) + " && " + cmdEnv + " " + quote(ORVA_BIN) + " " +
+                    quote(kData + "small.json") + " --no-solve --requests mine.mrk >run.out 2>run.err";
+  int raw = std::system(cmd.c_str());
+  ASSERT_TRUE(WIFEXITED(raw));
+  EXPECT_EQ(WEXITSTATUS(raw), 0) << readFile(dir / "run.err");
+  EXPECT_EQ(readFile(dir / "run.err").find("GLPK"), std::string::npos);
+  const std::string listing = readFile(dir / "small.lst");
+  EXPECT_NE(listing.find("from elsewhere"), std::string::npos);
+  EXPECT_NE(listing.find(" #### MODRAKE POSTOPT"), std::string::npos);
+  EXPECT_TRUE(fs::is_empty(tmp));
+  fs::remove_all(dir);
+}
+
+}  // namespace
+
+namespace {
+
+// A solution the user has is checked, handed over as it is, and its statuses close the listing.
+TEST(OrvaCommandRun, UserSolutionHandedOver) {
+  const fs::path dir = freshDir("usersol");
+  std::ofstream(dir / "mine.sol") << "* x = y = 1: feasible, not optimal\n"
+                                     "modelStat 7\nsolveStat 3\nrows 3\ncols 3\n"
+                                     "row 1 0 -1 0 0\nrow 2 2 2 0 0\nrow 3 1 0 2 0\n"
+                                     "col 1 1 0 2 0\ncol 2 1 0 2 0\ncol 3 3 0 2 0\n";
+  const fs::path scratch = dir / "kept";
+  RunResult r = runOrva(dir, {kData + "small.json", "--solution", "mine.sol", "--keep-scratch",
+                              scratch.string()});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
+  EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
+  const std::vector<std::string> control = readLines(scratch / "orva.ctl");
+  const std::string given = fs::absolute(dir / "mine.sol").lexically_normal().string();
+  EXPECT_NE(std::find(control.begin(), control.end(), "SolutionFile = " + given), control.end());
+  const std::vector<std::string> listing = readLines(dir / "small.lst");
+  ASSERT_GE(listing.size(), 2u);
+  EXPECT_EQ(listing[listing.size() - 2], " Solve status     3  resource interrupt");
+  EXPECT_EQ(listing[listing.size() - 1], " Model status     7  intermediate nonoptimal");
+  fs::remove_all(dir);
+}
+
+}  // namespace
+
+namespace {
+
+// modrake's own exit status comes back: VARBLOCK 1 is too small for the transport model's
+// two variable symbols (ship and the objective variable), so BLOCKPIC stops the run with 77.
+// The listing is written all the same.
+TEST(OrvaCommandRun, BlockCapacityStopPassesThrough) {
+  const fs::path dir = freshDir("capacity");
+  std::ofstream(dir / "modrake.opt") << "VARBLOCK 1\n";
+  std::ofstream(dir / "pic.mrk") << "BLOCKPIC\n";
+  RunResult r = runOrva(dir, {kTransport, "--options", "modrake.opt", "--requests", "pic.mrk"});
+  EXPECT_EQ(r.status, 77) << r.err;
+  const std::vector<std::string> listing = readLines(dir / "transport.lst");
+  EXPECT_NE(std::find(listing.begin(), listing.end(),
+                      "  Exceeded maximum variable blocks which is   1"),
+            listing.end());
+  EXPECT_NE(std::find(listing.begin(), listing.end(),
+                      " Expand or drop VARBLOCK option in MODRAKE.OPT"),
+            listing.end());
+  fs::remove_all(dir);
+}
+
+}  // namespace

@@ -1,0 +1,149 @@
+// The listing made from the status file, and what orva reads of a request file.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "orva/listing.h"
+#include "orva/requests.h"
+
+namespace {
+
+// A file name of this test process in the temporary folder.
+std::string tempPath(const std::string& name) {
+  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
+}
+
+TEST(OrvaListing, HostRecordsAreActedOn) {
+  const std::vector<std::string> status = {
+      "",
+      " #### Executing MODRAKE 1.3 Body",
+      "=1",
+      "   ##################################",
+      "",
+      "----#### Executing BLOCKPIC ",
+      "=L#### MODRAKE BLOCKPIC ",
+      " a report line   with  inner blanks  ",
+      "=CBad return code from ovdLoadEx: ",
+      "=Cno dictionary",
+      "=2",
+  };
+  std::vector<std::string> terminal;
+  const std::vector<std::string> listing = orvaListingLines(status, terminal);
+  const std::vector<std::string> expected = {
+      "",
+      " #### Executing MODRAKE 1.3 Body",
+      "   ##################################",
+      "",
+      "----#### Executing BLOCKPIC ",
+      " #### MODRAKE BLOCKPIC",
+      " =====================",
+      " a report line   with  inner blanks  ",
+      " Bad return code from ovdLoadEx:",
+      " no dictionary",
+  };
+  EXPECT_EQ(listing, expected);
+  const std::vector<std::string> expectedTerminal = {"Bad return code from ovdLoadEx:",
+                                                     "no dictionary"};
+  EXPECT_EQ(terminal, expectedTerminal);
+}
+
+TEST(OrvaListing, OnlyRecordsInColumnOneCount) {
+  const std::vector<std::string> status = {" =1", "=", "=X text", "==2"};
+  std::vector<std::string> terminal;
+  EXPECT_EQ(orvaListingLines(status, terminal), status);
+  EXPECT_TRUE(terminal.empty());
+}
+
+TEST(OrvaListing, RunStatusClosesTheListing) {
+  const std::string path = tempPath("orva_ovmstat.scr");
+  {
+    std::ofstream out(path);
+    out << "solveStat 1\nmodelStat 14\n";
+  }
+  int solveStat = 0, modelStat = 0;
+  ASSERT_TRUE(orvaReadRunStatus(path, solveStat, modelStat));
+  EXPECT_EQ(solveStat, 1);
+  EXPECT_EQ(modelStat, 14);
+  const std::vector<std::string> expected = {"", " Solve status     1  normal completion",
+                                             " Model status    14  no solution returned"};
+  EXPECT_EQ(orvaRunStatusLines(solveStat, modelStat), expected);
+
+  {
+    std::ofstream out(path);
+    out << "solveStat 1\n";
+  }
+  EXPECT_FALSE(orvaReadRunStatus(path, solveStat, modelStat));
+  std::remove(path.c_str());
+  EXPECT_FALSE(orvaReadRunStatus(path, solveStat, modelStat));
+}
+
+TEST(OrvaListing, WrittenWholeFromTheFiles) {
+  const std::string statusPath = tempPath("orva_listing.sta");
+  const std::string runStatusPath = tempPath("orva_listing_ovmstat.scr");
+  const std::string listingPath = tempPath("orva_listing.lst");
+  {
+    std::ofstream out(statusPath);
+    out << "=1\n first\n=L#### MODRAKE PICTURE  \n=2\n";
+    std::ofstream st(runStatusPath);
+    st << "modelStat 1\nsolveStat 1\n";
+  }
+  std::FILE* out = std::fopen(listingPath.c_str(), "w");
+  std::FILE* terminal = std::fopen("/dev/null", "w");
+  ASSERT_NE(out, nullptr);
+  ASSERT_NE(terminal, nullptr);
+  std::string error;
+  EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 1, 4, out, terminal, error)) << error;
+  std::fclose(out);
+  std::fclose(terminal);
+  std::ifstream in(listingPath);
+  std::vector<std::string> lines;
+  for (std::string l; std::getline(in, l);) lines.push_back(l);
+  const std::vector<std::string> expected = {
+      " first", " #### MODRAKE PICTURE", " ====================", "",
+      " Solve status     1  normal completion", " Model status     1  optimal"};
+  EXPECT_EQ(lines, expected);
+
+  // Without statuses from modrake, those of the solution handed over close the listing.
+  std::remove(runStatusPath.c_str());
+  out = std::fopen(listingPath.c_str(), "w");
+  terminal = std::fopen("/dev/null", "w");
+  EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 3, 8, out, terminal, error)) << error;
+  std::fclose(out);
+  std::fclose(terminal);
+  lines.clear();
+  std::ifstream again(listingPath);
+  for (std::string l; std::getline(again, l);) lines.push_back(l);
+  const std::vector<std::string> handed = {
+      " first", " #### MODRAKE PICTURE", " ====================", "",
+      " Solve status     3  resource interrupt", " Model status     8  integer solution"};
+  EXPECT_EQ(lines, handed);
+  EXPECT_FALSE(orvaWriteListing(tempPath("no_such.sta"), runStatusPath, 0, 0, stdout,
+                                stderr, error));
+  EXPECT_NE(error.find("no_such.sta: cannot read the status file"), std::string::npos) << error;
+  std::remove(statusPath.c_str());
+  std::remove(runStatusPath.c_str());
+  std::remove(listingPath.c_str());
+}
+
+TEST(OrvaRequests, SolutionWantedByPostoptOrNonopt) {
+  EXPECT_TRUE(orvaRequestsNeedSolution("ANALYSIS\nPOSTOPT\nVARIABLES\nx\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("  nonopt verbose\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("$POSTOPT\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("'$NonOpt\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("POST OPT\n"));  // blanks are dropped before reading
+  EXPECT_TRUE(orvaRequestsNeedSolution("THEEND\nPOSTOPT\n"));  // BLOCKPIC first, then read on
+}
+
+TEST(OrvaRequests, NoSolutionWanted) {
+  EXPECT_FALSE(orvaRequestsNeedSolution(""));
+  EXPECT_FALSE(orvaRequestsNeedSolution("ANALYSIS\nBLOCKPIC\nDISPLAYCR\n"));
+  EXPECT_FALSE(orvaRequestsNeedSolution("# POSTOPT is for later\n? NONOPT too\n"));
+  EXPECT_FALSE(orvaRequestsNeedSolution("BLOCKPIC\nTHEEND\nPOSTOPT\n"));
+  EXPECT_FALSE(orvaRequestsNeedSolution("DISPLAYCR\nVARIABLES\nship(seattle,*)\n"));
+}
+
+}  // namespace

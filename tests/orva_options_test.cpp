@@ -1,0 +1,138 @@
+// The option file MODRAKE.OPT and the control records written from it.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "orva/options.h"
+
+namespace {
+
+// A file name of this test process in the temporary folder.
+std::string tempPath(const std::string& name) {
+  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
+}
+
+// Parses `text` and returns the error, "" on success.
+std::string parseError(const std::string& text, OrvaOptions& options) {
+  std::string error;
+  return orvaParseOptionText(text, "run.opt", options, error) ? std::string() : error;
+}
+
+TEST(OrvaOptionFile, DefaultsWithoutAnyLine) {
+  OrvaOptions o;
+  ASSERT_EQ(parseError("", o), "");
+  EXPECT_EQ(o.varBlock, 0);
+  EXPECT_EQ(o.equBlock, 0);
+  EXPECT_EQ(o.varRequests, 1000);
+  EXPECT_EQ(o.equRequests, 1000);
+  EXPECT_EQ(o.scale, 0);
+  EXPECT_EQ(o.largeLevel, 6);
+  EXPECT_EQ(o.largeMarginal, 6);
+  EXPECT_FALSE(o.solutionExpected);
+}
+
+TEST(OrvaOptionFile, KeywordsWithoutRegardToCaseCommentsAndBlankLines) {
+  OrvaOptions o;
+  const std::string text =
+      "* block limits\n"
+      "varblock 12\n"
+      "\n"
+      "   EquBlock\t  -1\r\n"
+      "  * an indented comment\n"
+      "VARREQUESTS 50\n"
+      "equrequests 99999\n"
+      "Scale -9999\n"
+      "LARGELEVEL +4\n"
+      "largemarginal 0\n";
+  ASSERT_EQ(parseError(text, o), "");
+  EXPECT_EQ(o.varBlock, 12);
+  EXPECT_EQ(o.equBlock, -1);
+  EXPECT_EQ(o.varRequests, 50);
+  EXPECT_EQ(o.equRequests, 99999);
+  EXPECT_EQ(o.scale, -9999);
+  EXPECT_EQ(o.largeLevel, 4);
+  EXPECT_EQ(o.largeMarginal, 0);
+}
+
+TEST(OrvaOptionFile, RefusalsNameFileLineAndReason) {
+  struct Case {
+    const char* text;
+    const char* error;
+  };
+  const Case cases[] = {
+      {"VARBLOCK 3\nVARBLOKC 4\n",
+       "run.opt:2: unknown option keyword \"VARBLOKC\"; known are VARBLOCK, EQUBLOCK, "
+       "VARREQUESTS, EQUREQUESTS, SCALE, LARGELEVEL, LARGEMARGINAL"},
+      {"* c\n\nSCALE 1.5\n", "run.opt:3: the value \"1.5\" of SCALE is not a whole number"},
+      {"SCALE ten\n", "run.opt:1: the value \"ten\" of SCALE is not a whole number"},
+      {"SCALE -\n", "run.opt:1: the value \"-\" of SCALE is not a whole number"},
+      {"EQUBLOCK 100000\n", "run.opt:1: the value 100000 of EQUBLOCK lies outside -9999 to 99999"},
+      {"EQUBLOCK -10000\n", "run.opt:1: the value -10000 of EQUBLOCK lies outside -9999 to 99999"},
+      {"LARGELEVEL 99999999999999999999\n",
+       "run.opt:1: the value 99999999999999999999 of LARGELEVEL lies outside -9999 to 99999"},
+      {"VARREQUESTS\n", "run.opt:1: VARREQUESTS needs a whole number as its value"},
+      {"VARREQUESTS 10 20\n", "run.opt:1: unexpected text \"20\" after the value of VARREQUESTS"},
+      {"varblock 1\nVARBLOCK 2\n", "run.opt:2: VARBLOCK is given twice, first on line 1"},
+  };
+  for (const Case& c : cases) {
+    OrvaOptions o;
+    EXPECT_EQ(parseError(c.text, o), c.error) << c.text;
+  }
+}
+
+TEST(OrvaOptionFile, MissingFileIsNamed) {
+  OrvaOptions o;
+  std::string error;
+  EXPECT_FALSE(orvaReadOptionFile("/nonexistent/modrake.opt", o, error));
+  EXPECT_EQ(error.rfind("/nonexistent/modrake.opt: cannot read the option file", 0), 0u) << error;
+}
+
+// Columns are counted from 1: column 31 is index 30.
+TEST(OrvaControlRecords, ValuesStandInTheirColumns) {
+  OrvaOptions o;
+  o.solutionExpected = true;
+  o.varRequests = 7;
+  o.equRequests = 99999;
+  o.varBlock = -9999;
+  o.equBlock = 0;
+  o.scale = -1;
+  o.largeLevel = 12;
+  o.largeMarginal = 345;
+  const std::vector<std::string> r = orvaControlRecords(o);
+  ASSERT_EQ(r.size(), 8u);
+  EXPECT_EQ(r[0], "Solution expected             T");
+  EXPECT_EQ(r[1], "Variable requests                 7");
+  EXPECT_EQ(r[2], "Equation requests             99999");
+  EXPECT_EQ(r[3], "Variable blocks               -9999");
+  EXPECT_EQ(r[4], "Equation blocks                   0");
+  EXPECT_EQ(r[5], "Scale factors                    -1");
+  EXPECT_EQ(r[6], "Large level exponent             12");
+  EXPECT_EQ(r[7], "Large marginal exponent         345");
+  for (size_t k = 1; k < r.size(); ++k) EXPECT_EQ(r[k].size(), 35u) << k;
+  o.solutionExpected = false;
+  EXPECT_EQ(orvaControlRecords(o)[0].substr(30), "F");
+}
+
+TEST(OrvaControlRecords, FileFromOptionTextCarriesEveryValue) {
+  OrvaOptions o;
+  ASSERT_EQ(parseError("VARBLOCK 4\nEQUBLOCK 5\nLARGEMARGINAL 8\n", o), "");
+  const std::string path = tempPath("orva_records.scr");
+  std::string error;
+  ASSERT_TRUE(orvaWriteControlRecords(path, o, error)) << error;
+  std::ifstream in(path);
+  std::vector<std::string> lines;
+  for (std::string l; std::getline(in, l);) lines.push_back(l);
+  std::remove(path.c_str());
+  ASSERT_EQ(lines.size(), 8u);
+  // Record 4 is the variable limit, record 5 the equation limit.
+  EXPECT_EQ(lines[3].substr(30), "    4");
+  EXPECT_EQ(lines[4].substr(30), "    5");
+  EXPECT_EQ(lines[7].substr(30), "    8");
+  EXPECT_EQ(lines[1].substr(30), " 1000");
+}
+
+}  // namespace

@@ -1,0 +1,365 @@
+// Solving with GLPK: statuses, levels and marginals of small models worked out by hand, the
+// netlib models against their published optima, and the reduced-cost identity on every solved
+// LP: marginal_j = cost_j - sum_i a_ij * rowMarginal_i, cost 1 for the objective variable.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "host/readers.h"
+#include "orva/solve.h"
+
+namespace {
+
+const double inf = kHostInf;
+
+// An instance built column by column. Row 1 is the objective row when `objective` is set.
+struct Builder {
+  HostInstance inst;
+  Builder() { inst.colStart.push_back(0); }
+  int row(int32_t type, double rhs) {
+    inst.rowType.push_back(type);
+    inst.rowRhs.push_back(rhs);
+    return ++inst.rowCount;
+  }
+  int col(double lo, double up, std::vector<std::pair<int, double>> entries,
+          int32_t type = kVarContinuous) {
+    inst.colLower.push_back(lo);
+    inst.colUpper.push_back(up);
+    inst.colType.push_back(type);
+    for (auto [r, v] : entries) {
+      inst.entryRow.push_back(r - 1);
+      inst.entryValue.push_back(v);
+      inst.entryNonlinear.push_back(0);
+    }
+    inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
+    return ++inst.colCount;
+  }
+};
+
+// Checks the reduced-cost identity for every column and that each row level is the activity.
+void expectAccountsClose(const HostInstance& inst, const HostSolution& sol) {
+  for (int j = 0; j < inst.colCount; ++j) {
+    double cost = (j + 1 == inst.objVar) ? 1.0 : 0.0;
+    double sum = 0.0, size = 0.0;
+    for (int k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
+      double t = inst.entryValue[k] * sol.rowMarginal[inst.entryRow[k]];
+      sum += t;
+      size += std::fabs(t);
+    }
+    EXPECT_NEAR(sol.colMarginal[j], cost - sum, 1e-7 * (1.0 + size)) << "column " << j + 1;
+  }
+  std::vector<double> activity(inst.rowCount, 0.0);
+  std::vector<double> size(inst.rowCount, 0.0);
+  for (int j = 0; j < inst.colCount; ++j) {
+    for (int k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
+      activity[inst.entryRow[k]] += inst.entryValue[k] * sol.colLevel[j];
+      size[inst.entryRow[k]] += std::fabs(inst.entryValue[k] * sol.colLevel[j]);
+    }
+  }
+  for (int i = 0; i < inst.rowCount; ++i) {
+    EXPECT_NEAR(sol.rowLevel[i], activity[i], 1e-9 * (1.0 + size[i])) << "row " << i + 1;
+  }
+}
+
+int count(const std::vector<int32_t>& v, int32_t value) {
+  int n = 0;
+  for (int32_t x : v) n += x == value;
+  return n;
+}
+
+TEST(OrvaSolveLp, MinimizationWorkedByHand) {
+  // min z: z = x + 2y;  x + y >= 2;  x <= 1.5 (a row);  x, y >= 0.
+  Builder b;
+  int obj = b.row(kRowE, 0.0), cover = b.row(kRowG, 2.0), cap = b.row(kRowL, 1.5);
+  b.col(0, inf, {{obj, 1.0}, {cover, 1.0}, {cap, 1.0}});
+  b.col(0, inf, {{obj, 2.0}, {cover, 1.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  ASSERT_EQ(orvaUnsolvableReason(b.inst), "");
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatOptimal);
+  EXPECT_EQ(s.solveStat, kSolveNormal);
+  EXPECT_NEAR(s.colLevel[0], 1.5, 1e-9);
+  EXPECT_NEAR(s.colLevel[1], 0.5, 1e-9);
+  EXPECT_NEAR(s.colLevel[2], 2.5, 1e-9);
+  // One more unit to cover costs a y at 2; one more unit of x's cap saves 2 - 1.
+  EXPECT_NEAR(s.rowMarginal[cover - 1], 2.0, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[cap - 1], -1.0, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[obj - 1], -1.0, 1e-9);
+  EXPECT_EQ(s.rowStat, (std::vector<int32_t>{0, 0, 1}));
+  EXPECT_EQ(s.colStat, (std::vector<int32_t>{2, 2, 2}));
+  EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
+  expectAccountsClose(b.inst, s);
+}
+
+TEST(OrvaSolveLp, MaximizationWithVariableAtUpperBound) {
+  // max z: z = 3x + 2y;  x + y <= 4;  x + 3y <= 7;  0 <= x <= 3, y >= 0.
+  Builder b;
+  int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 4.0), r2 = b.row(kRowL, 7.0);
+  b.col(0, 3, {{obj, 3.0}, {r1, 1.0}, {r2, 1.0}});
+  b.col(0, inf, {{obj, 2.0}, {r1, 1.0}, {r2, 3.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  b.inst.minimizing = false;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatOptimal);
+  EXPECT_NEAR(s.colLevel[0], 3.0, 1e-9);
+  EXPECT_NEAR(s.colLevel[1], 1.0, 1e-9);
+  EXPECT_NEAR(s.colLevel[2], 11.0, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[r1 - 1], 2.0, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[r2 - 1], 0.0, 1e-9);
+  EXPECT_NEAR(s.colMarginal[0], 1.0, 1e-9);  // raising x's bound gains 3 - 2
+  EXPECT_EQ(s.colStat, (std::vector<int32_t>{1, 2, 2}));
+  EXPECT_EQ(s.rowStat[r1 - 1], 1);
+  EXPECT_EQ(s.rowStat[r2 - 1], 2);
+  EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
+  expectAccountsClose(b.inst, s);
+}
+
+TEST(OrvaSolveLp, InfeasibleModelShowsItsInfeasibleItems) {
+  // x + y >= 5 with x, y in [0, 1].
+  Builder b;
+  int obj = b.row(kRowE, 0.0), need = b.row(kRowG, 5.0);
+  b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
+  b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatInfeasible);
+  EXPECT_GE(count(s.rowCStat, 2) + count(s.colCStat, 2), 1);
+}
+
+TEST(OrvaSolveLp, UnboundedModelMarksTheRay) {
+  // min z: z = y - x;  x + y >= 0;  x, y >= 0: x grows without end.
+  Builder b;
+  int obj = b.row(kRowE, 0.0), link = b.row(kRowG, 0.0);
+  b.col(0, inf, {{obj, -1.0}, {link, 1.0}});
+  b.col(0, inf, {{obj, 1.0}, {link, 1.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatUnbounded);
+  EXPECT_EQ(count(s.rowCStat, 3) + count(s.colCStat, 3), 1);
+}
+
+TEST(OrvaSolveLp, CrossedBoundsAreInfeasibleWithoutASolve) {
+  Builder b;
+  int obj = b.row(kRowE, 0.0);
+  b.col(2, 1, {{obj, 1.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatInfeasible);
+  EXPECT_EQ(s.colLevel[0], 2.0);
+  EXPECT_EQ(s.colCStat[0], 2);
+}
+
+TEST(OrvaSolveMip, IntegerOptimumFixedForMarginals) {
+  // max z: z = 5x + 4y;  6x + 4y <= 24;  x + 2y <= 6;  x, y integer >= 0.
+  // The relaxation has x = 3, y = 1.5 (21); the integer optimum is x = 4, y = 0 (20).
+  Builder b;
+  int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 24.0), r2 = b.row(kRowL, 6.0);
+  b.col(0, inf, {{obj, 5.0}, {r1, 6.0}, {r2, 1.0}}, kVarInteger);
+  b.col(0, inf, {{obj, 4.0}, {r1, 4.0}, {r2, 2.0}}, kVarInteger);
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  b.inst.minimizing = false;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatOptimal);
+  EXPECT_EQ(s.colLevel[0], 4.0);
+  EXPECT_EQ(s.colLevel[1], 0.0);
+  EXPECT_NEAR(s.colLevel[2], 20.0, 1e-9);
+  // x stands between its bounds, so it is not marked at one (basic or superbasic), y is at
+  // its lower bound.
+  EXPECT_GE(s.colStat[0], 2);
+  EXPECT_EQ(s.colStat[1], 0);
+  EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
+  expectAccountsClose(b.inst, s);
+}
+
+TEST(OrvaSolveMip, IntegerInfeasible) {
+  // 2x = 1 with x integer.
+  Builder b;
+  int obj = b.row(kRowE, 0.0), half = b.row(kRowE, 1.0);
+  b.col(0, 10, {{obj, 1.0}, {half, 2.0}}, kVarInteger);
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  b.inst.objRow = obj;
+  HostSolution s;
+  orvaSolveInstance(b.inst, {}, s);
+  EXPECT_EQ(s.modelStat, kStatIntegerInfeasible);
+}
+
+TEST(OrvaSolve, UnsolvableInstancesAreNamed) {
+  auto base = [] {
+    Builder b;
+    int obj = b.row(kRowE, 0.0);
+    b.col(0, 1, {{obj, 1.0}});
+    b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+    b.inst.objRow = obj;
+    return b;
+  };
+  Builder sos = base();
+  sos.inst.colType[0] = kVarSos1;
+  EXPECT_NE(orvaUnsolvableReason(sos.inst).find("SOS or semi-continuous"), std::string::npos);
+  Builder nl = base();
+  nl.inst.entryNonlinear[0] = 1;
+  EXPECT_NE(orvaUnsolvableReason(nl.inst).find("nonlinear"), std::string::npos);
+  Builder dup = base();
+  dup.col(0, 1, {{1, 1.0}, {1, 2.0}});
+  EXPECT_EQ(orvaUnsolvableReason(dup.inst), "row 1 appears twice in variable 3");
+  Builder away = base();
+  away.col(0, 1, {{7, 1.0}});
+  EXPECT_EQ(orvaUnsolvableReason(away.inst), "variable 3 has an entry in row 7, which does not exist");
+  Builder nan = base();
+  nan.inst.entryValue[0] = std::nan("");
+  EXPECT_NE(orvaUnsolvableReason(nan.inst).find("not a finite number"), std::string::npos);
+  Builder shortArrays = base();
+  shortArrays.inst.colLower.pop_back();
+  EXPECT_EQ(orvaUnsolvableReason(shortArrays.inst), "the instance's arrays do not agree with its counts");
+}
+
+TEST(OrvaConditionStatus, JudgedByLevelMarginalAndSense) {
+  // min z: z = x + y;  row x + y >= 1;  x in [0, 4], y in [0, 4].
+  Builder b;
+  int obj = b.row(kRowE, 0.0), need = b.row(kRowG, 1.0);
+  b.col(0, 4, {{obj, 1.0}, {need, 1.0}});
+  b.col(0, 4, {{obj, 1.0}, {need, 1.0}});
+  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  HostSolution s;
+  s.rowLevel = {0.0, 1.0};
+  s.rowMarginal = {-1.0, 1.0};
+  s.rowStat = {0, 0};
+  s.rowCStat = {0, 0};
+  s.colLevel = {0.0, 1.0, 1.0};
+  s.colMarginal = {-0.5, 0.0, 0.0};  // x at its lower bound with a negative reduced cost
+  s.colStat = {0, 2, 2};
+  s.colCStat = {0, 0, 3};
+  orvaConditionStatuses(b.inst, s);
+  EXPECT_EQ(s.colCStat, (std::vector<int32_t>{1, 0, 3}));
+  EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 0}));
+
+  // The same numbers when maximizing: now x may have a negative marginal at its lower bound,
+  // and the binding >= row's positive marginal is of the wrong sign.
+  b.inst.minimizing = false;
+  s.colCStat = {0, 0, 0};
+  orvaConditionStatuses(b.inst, s);
+  EXPECT_EQ(s.colCStat, (std::vector<int32_t>{0, 0, 0}));
+  EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 1}));
+
+  // Outside the bounds beyond 1e-6 relative to the bound: infeasible; within it: not.
+  s.colLevel = {-1e-7, 4.0 + 4.1e-6, 1.0};
+  s.colMarginal = {0.0, 0.0, 0.0};
+  s.rowLevel = {0.0, 1.0 - 2e-6};
+  s.rowMarginal = {-1.0, 0.0};
+  orvaConditionStatuses(b.inst, s);
+  EXPECT_EQ(s.colCStat, (std::vector<int32_t>{0, 2, 0}));
+  EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 2}));
+}
+
+// ---- models read from files ----------------------------------------------------------------
+
+struct NetlibCase {
+  const char* name;
+  int rows, cols;
+  double optimum;
+};
+
+// Published optima of the netlib collection.
+const NetlibCase kNetlib[] = {
+    {"afiro", 28, 32, -464.7531428571},     {"adlittle", 57, 97, 225494.96316},
+    {"blend", 75, 83, -30.812149846},       {"sc105", 106, 103, -52.202061212},
+    {"share1b", 118, 225, -76589.318579},   {"stocfor1", 118, 111, -41131.976219},
+};
+
+TEST(OrvaSolveNetlib, PublishedOptimaAndClosedAccounts) {
+  for (const NetlibCase& c : kNetlib) {
+    SCOPED_TRACE(c.name);
+    ModelSource src;
+    src.path = std::string(SOURCE_DIR) + "/tests/data/netlib/" + c.name + ".mps";
+    src.format = ModelFormat::FixedMps;
+    HostInstance inst;
+    std::string error;
+    ASSERT_TRUE(readModel(src, inst, error)) << error;
+    ASSERT_GT(inst.objVar, 0);
+    ASSERT_EQ(orvaUnsolvableReason(inst), "");
+    HostSolution s;
+    orvaSolveInstance(inst, {}, s);
+    ASSERT_EQ(s.modelStat, kStatOptimal);
+    EXPECT_NEAR(s.colLevel[inst.objVar - 1], c.optimum, 1e-9 * std::fabs(c.optimum) + 1e-6);
+    expectAccountsClose(inst, s);
+    EXPECT_EQ(count(s.rowCStat, 0), inst.rowCount);
+    EXPECT_EQ(count(s.colCStat, 0), inst.colCount);
+  }
+}
+
+// The row of an instance by its symbol and labels, 0-based; -1 when there is none.
+int findRow(const HostInstance& inst, const std::string& symbol, std::vector<std::string> labels) {
+  for (int i = 0; i < inst.rowCount; ++i) {
+    if (inst.symbols[inst.rowSymbol[i] - 1].name != symbol) continue;
+    std::vector<std::string> have;
+    for (int k = inst.rowUelStart[i]; k < inst.rowUelStart[i + 1]; ++k) {
+      have.push_back(inst.labels[inst.rowUels[k] - 1].text);
+    }
+    if (have == labels) return i;
+  }
+  return -1;
+}
+
+int findCol(const HostInstance& inst, const std::string& symbol, std::vector<std::string> labels) {
+  for (int j = 0; j < inst.colCount; ++j) {
+    if (inst.symbols[inst.colSymbol[j] - 1].name != symbol) continue;
+    std::vector<std::string> have;
+    for (int k = inst.colUelStart[j]; k < inst.colUelStart[j + 1]; ++k) {
+      have.push_back(inst.labels[inst.colUels[k] - 1].text);
+    }
+    if (have == labels) return j;
+  }
+  return -1;
+}
+
+TEST(OrvaSolveMathProg, TransportDualsAsWorkedByHand) {
+  ModelSource src;
+  src.path = std::string(SOURCE_DIR) + "/examples/transport/transport.mod";
+  src.format = ModelFormat::MathProg;
+  HostInstance inst;
+  std::string error;
+  ASSERT_TRUE(readModel(src, inst, error)) << error;
+  HostSolution s;
+  orvaSolveInstance(inst, {}, s);
+  ASSERT_EQ(s.modelStat, kStatOptimal);
+  EXPECT_NEAR(s.colLevel[inst.objVar - 1], 153.675, 1e-9);
+  expectAccountsClose(inst, s);
+  // Cost per case is 90 * distance / 1000. The shipments seattle: new-york 50, chicago 300;
+  // san-diego: new-york 275, topeka 275 leave san-diego's capacity slack, so the demand
+  // marginals are the costs of the cells that serve them.
+  const int ny = findRow(inst, "meetDemand", {"new-york"});
+  const int ch = findRow(inst, "meetDemand", {"chicago"});
+  const int tp = findRow(inst, "meetDemand", {"topeka"});
+  const int sea = findRow(inst, "capacity", {"seattle"});
+  const int sd = findRow(inst, "capacity", {"san-diego"});
+  ASSERT_TRUE(ny >= 0 && ch >= 0 && tp >= 0 && sea >= 0 && sd >= 0);
+  EXPECT_NEAR(s.rowMarginal[ny], 0.225, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[ch], 0.153, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[tp], 0.126, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[sea], 0.0, 1e-9);
+  EXPECT_NEAR(s.rowMarginal[sd], 0.0, 1e-9);
+  EXPECT_NEAR(s.rowLevel[sd], 550.0, 1e-9);
+  EXPECT_EQ(s.rowStat[sd], 2);
+  const int seaTp = findCol(inst, "ship", {"seattle", "topeka"});
+  const int sdCh = findCol(inst, "ship", {"san-diego", "chicago"});
+  ASSERT_TRUE(seaTp >= 0 && sdCh >= 0);
+  EXPECT_NEAR(s.colMarginal[seaTp], 0.162 - 0.126, 1e-9);
+  EXPECT_NEAR(s.colMarginal[sdCh], 0.162 - 0.153, 1e-9);
+  EXPECT_EQ(s.colStat[seaTp], 0);
+  EXPECT_EQ(s.colLevel[seaTp], 0.0);
+}
+
+}  // namespace
