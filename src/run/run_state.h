@@ -80,6 +80,8 @@ struct RunState {
 
   // Symbol number of the column last named by varItemLabel or varItemLabelParts.
   int32_t lastColSymbol = 0;
+  // Item class (1 variable, 2 equation) of the last item written to the analysis scratch file.
+  int32_t lastItemClass = 0;
 };
 
 extern RunState runState;

@@ -1,0 +1,3 @@
+#include "run/run_main.h"
+
+int main(int argc, char** argv) { runMain(argc, argv); }
