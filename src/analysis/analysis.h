@@ -7,6 +7,7 @@
 
 #include "host/host.h"
 #include "model/views.h"
+#include "model/work_array.h"
 #include "run/notation.h"
 
 inline constexpr int32_t NO_LOWER = -100000;
@@ -14,8 +15,19 @@ inline constexpr int32_t NO_UPPER = 100000;
 inline constexpr double LOWER_INF_FRACTION = 0.8999999761581421;
 inline constexpr double UPPER_INF_FRACTION = 0.9900000095367432;
 
+// Items of one finding kind that enter the analysis scratch file.
+inline constexpr int32_t MAX_PROBLEMS_PER_KIND = 5;
+
+// Item classes of recordProblem.
+inline constexpr int32_t ITEM_VARIABLE = 1;
+inline constexpr int32_t ITEM_EQUATION = 2;
+
 // The ANALYSIS branch of the request loop.
 void runAnalysis();
+
+// One pass over rows and columns through the host: rowRhs, anaRowType, the scale factors,
+// colBoundTable, rowSignTable, colSignTable (with the objective turn) and rowActivity.
+void buildAnalysisTables(const AnalysisRegions& regions);
 
 // Updates row `index` of a colBoundTable or blockColBoundTable (n x 5) from one pair of bounds.
 void classifyBounds(double upper, double lower, double plusInf, double minusInf, int32_t index,
@@ -31,3 +43,13 @@ void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32
 void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32_t> signTable,
                             Vec1<int32_t> rowTypes, Vec1<double> rhs, int32_t mode,
                             ovdHandle dictionary, Table2<double> activity);
+
+// Counts a finding of `kind` and, for the first MAX_PROBLEMS_PER_KIND of a kind, writes the
+// item to the analysis scratch file in the request language, with a section word ("variable"
+// or "equation") where the item class changes. The first problem of the run starts the file
+// afresh and sets analysisProblemsPending. Mode 1 (block findings) records nothing.
+void recordProblem(int32_t itemClass, std::string_view label, int32_t kind, int32_t mode);
+
+// Prints a label folded to the line width (130 at most). First line by style:
+// 1 "(/,' ##  ',A)", 2 "(/,5X,A)", 3 and 5 "(5X,A)", 4 "('     ',A)"; further lines "(5X,A)".
+void printFoldedItem(std::string_view label, int32_t lineWidth, int32_t style, Channel& channel);

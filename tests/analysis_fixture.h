@@ -1,0 +1,225 @@
+// Small model instances built in memory for the block, label and ANALYSIS tests, and a run
+// state around them whose status and log lines are kept in vectors.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/host.h"
+#include "host/instance.h"
+#include "model/work_array.h"
+#include "run/run_state.h"
+
+namespace analysis_test {
+
+inline constexpr double INF = kHostInf;
+
+// Builds a HostInstance row by row and column by column. Labels written in quotes
+// ('new york', "a b") keep their quote character.
+struct ModelBuilder {
+  HostInstance inst;
+  std::map<std::string, int32_t> equSymbols, varSymbols;
+  std::map<std::pair<std::string, char>, int32_t> uels;
+  std::vector<std::vector<int32_t>> rowLabels, colLabels;
+  struct Entry {
+    int32_t row, col;
+    double value;
+    bool nonlinear;
+  };
+  std::vector<Entry> entries;
+
+  int32_t symbol(const std::string& name, bool equation, int32_t dim) {
+    auto& table = equation ? equSymbols : varSymbols;
+    auto it = table.find(name);
+    if (it != table.end()) return it->second;
+    inst.symbols.push_back({name, equation, dim});
+    const int32_t number = static_cast<int32_t>(inst.symbols.size());
+    table.emplace(name, number);
+    return number;
+  }
+  int32_t uel(const std::string& written) {
+    char quote = ' ';
+    std::string text = written;
+    if (text.size() >= 2 && (text[0] == '\'' || text[0] == '"') && text.back() == text[0]) {
+      quote = text[0];
+      text = text.substr(1, text.size() - 2);
+    }
+    auto key = std::make_pair(text, quote);
+    auto it = uels.find(key);
+    if (it != uels.end()) return it->second;
+    inst.labels.push_back({text, quote});
+    const int32_t number = static_cast<int32_t>(inst.labels.size());
+    uels.emplace(key, number);
+    return number;
+  }
+  std::vector<int32_t> uelList(std::initializer_list<std::string> labels) {
+    std::vector<int32_t> list;
+    for (const std::string& l : labels) list.push_back(uel(l));
+    return list;
+  }
+
+  // A row; returns its 1-based index.
+  int32_t row(const std::string& sym, std::initializer_list<std::string> labels, int32_t type,
+              double rhs, double scale = 1.0) {
+    inst.rowSymbol.push_back(symbol(sym, true, static_cast<int32_t>(labels.size())));
+    rowLabels.push_back(uelList(labels));
+    inst.rowType.push_back(type);
+    inst.rowRhs.push_back(rhs);
+    inst.rowScale.push_back(scale);
+    inst.rowLevel.push_back(0.0);
+    inst.rowMarginal.push_back(0.0);
+    inst.rowStat.push_back(2);
+    inst.rowCStat.push_back(0);
+    return ++inst.rowCount;
+  }
+  // A column; returns its 1-based index.
+  int32_t col(const std::string& sym, std::initializer_list<std::string> labels, double lower,
+              double upper, int32_t type = kVarContinuous, double scale = 1.0) {
+    inst.colSymbol.push_back(symbol(sym, false, static_cast<int32_t>(labels.size())));
+    colLabels.push_back(uelList(labels));
+    inst.colType.push_back(type);
+    inst.colLower.push_back(lower);
+    inst.colUpper.push_back(upper);
+    inst.colScale.push_back(scale);
+    inst.colLevel.push_back(0.0);
+    inst.colMarginal.push_back(0.0);
+    inst.colStat.push_back(0);
+    inst.colCStat.push_back(0);
+    return ++inst.colCount;
+  }
+  void add(int32_t row1, int32_t col1, double value, bool nonlinear = false) {
+    entries.push_back({row1, col1, value, nonlinear});
+  }
+  // Makes column `col1` the objective variable of row `row1` (coefficient -1 unless given).
+  void objective(int32_t row1, int32_t col1, bool minimizing) {
+    inst.objRow = row1;
+    inst.objVar = col1;
+    inst.minimizing = minimizing;
+  }
+
+  HostInstance build() {
+    HostInstance out = inst;
+    out.hasScale = false;
+    for (double s : out.rowScale) out.hasScale = out.hasScale || s != 1.0;
+    for (double s : out.colScale) out.hasScale = out.hasScale || s != 1.0;
+    const int32_t n = out.colCount;
+    std::vector<std::vector<Entry>> byCol(static_cast<size_t>(n));
+    for (const Entry& e : entries) byCol[static_cast<size_t>(e.col - 1)].push_back(e);
+    out.colStart.assign(1, 0);
+    for (const auto& list : byCol) {
+      for (const Entry& e : list) {
+        out.entryRow.push_back(e.row - 1);
+        out.entryValue.push_back(e.value);
+        out.entryNonlinear.push_back(e.nonlinear ? 1 : 0);
+      }
+      out.colStart.push_back(static_cast<int32_t>(out.entryRow.size()));
+    }
+    out.rowUelStart.assign(1, 0);
+    for (const auto& l : rowLabels) {
+      out.rowUels.insert(out.rowUels.end(), l.begin(), l.end());
+      out.rowUelStart.push_back(static_cast<int32_t>(out.rowUels.size()));
+    }
+    out.colUelStart.assign(1, 0);
+    for (const auto& l : colLabels) {
+      out.colUels.insert(out.colUels.end(), l.begin(), l.end());
+      out.colUelStart.push_back(static_cast<int32_t>(out.colUels.size()));
+    }
+    return out;
+  }
+};
+
+// The run state of one test: the instance's sizes, the host handles, a page width, status
+// and log lines in memory, a work array of the right size and a scratch file.
+struct RunFixture {
+  std::vector<std::string> status, log;
+
+  void start(const HostInstance& inst, int32_t pageWidth = 80) {
+    RunState& rs = runState;
+    release();
+    rs.model = ovmCreateFromInstance(inst);
+    rs.dictionary = ovdCreateFromInstance(inst);
+    ovmIndexBaseSet(rs.model, 1);
+    ovmPinfSet(rs.model, rs.plusInf);
+    ovmMinfSet(rs.model, rs.minusInf);
+    rs.rowCount = ovmM(rs.model);
+    rs.colCount = ovmN(rs.model);
+    rs.nzCount = ovmNZ(rs.model);
+    const int32_t na = ovmValNAInt(rs.model);
+    rs.objVar = ovmObjVar(rs.model) == na ? 0 : ovmObjVar(rs.model);
+    rs.objRow = ovmObjRow(rs.model) == na ? 0 : ovmObjRow(rs.model);
+    rs.minimizing = ovmSense(rs.model) <= 0;
+    rs.pageWidth = pageWidth;
+    rs.colSelCapacity = 10;
+    rs.rowSelCapacity = 10;
+    rs.icblock = static_cast<int32_t>(inst.symbols.size()) + 3;
+    rs.irblock = rs.icblock;
+    rs.scaleRequest = 0;
+    rs.useScale = 0;
+    rs.commentCount = 0;
+    rs.analysisProblemsPending = 0;
+    rs.analysisProblemCount = 0;
+    rs.analysisProblemTally.fill(0);
+    rs.lastColSymbol = 0;
+    rs.lastItemClass = 0;
+    status.clear();
+    log.clear();
+    rs.statusChannel = Channel{nullptr, &status};
+    rs.logChannel = Channel{nullptr, &log};
+    if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
+    rs.analysisChannel = std::tmpfile();
+    int64_t total = 0;
+    int32_t st = 0;
+    partitionWorkArray(1, total, 0, PICTURE_WIDTH, st);
+    std::free(workArray.words);
+    workArray.words = nullptr;
+    allocateWorkArray(total);
+  }
+
+  // The lines of the analysis scratch file.
+  std::vector<std::string> scratch() const {
+    std::vector<std::string> lines;
+    std::FILE* f = runState.analysisChannel;
+    std::fflush(f);
+    std::rewind(f);
+    std::string line;
+    int c;
+    while ((c = std::fgetc(f)) != EOF) {
+      if (c == '\n') {
+        lines.push_back(line);
+        line.clear();
+      } else {
+        line.push_back(static_cast<char>(c));
+      }
+    }
+    if (!line.empty()) lines.push_back(line);
+    return lines;
+  }
+
+  void release() {
+    RunState& rs = runState;
+    if (rs.model != nullptr) ovmFree(rs.model);
+    if (rs.dictionary != nullptr) ovdFree(rs.dictionary);
+  }
+
+  ~RunFixture() {
+    release();
+    RunState& rs = runState;
+    if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
+    rs.analysisChannel = nullptr;
+    rs.statusChannel = Channel{};
+    rs.logChannel = Channel{};
+  }
+};
+
+// A line padded with blanks to `width` characters, as printFoldedItem pads its lines.
+inline std::string pad(std::string line, size_t width) {
+  if (line.size() < width) line.resize(width, ' ');
+  return line;
+}
+
+}  // namespace analysis_test

@@ -1,0 +1,150 @@
+// ANALYSIS on the bundled MathProg models with known flaws, run through orva: the whole
+// report on the status file, the log lines, and the analysis scratch file.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "analysis_messages.h"
+
+using namespace analysis_test;
+
+namespace {
+
+struct OrvaRun {
+  int exitCode = -1;
+  Lines log;      // orva's standard output: modrake's log
+  Lines status;   // the status file as modrake wrote it
+  Lines scratch;  // the analysis scratch file
+};
+
+Lines readLines(const std::filesystem::path& path) {
+  std::ifstream in(path);
+  Lines lines;
+  std::string line;
+  while (std::getline(in, line)) lines.push_back(line);
+  return lines;
+}
+
+// Runs orva on examples/analysis/<model>.mod and its request file ANALYSIS, at page width 80.
+OrvaRun runModel(const std::string& model) {
+  namespace fs = std::filesystem;
+  const fs::path dir = fs::path(SOURCE_DIR) / "examples" / "analysis";
+  const fs::path keep = fs::path(::testing::TempDir()) / ("analysis_models_" + model);
+  fs::remove_all(keep);
+  const std::string command = std::string(ORVA_BIN) + " '" + (dir / (model + ".mod")).string() +
+                              "' --requests '" + (dir / (model + ".mrk")).string() +
+                              "' --page-width 80 --listing '" + (keep.string() + ".lst") +
+                              "' --keep-scratch '" + keep.string() + "'";
+  OrvaRun run;
+  std::FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return run;
+  std::string line;
+  int c;
+  while ((c = std::fgetc(pipe)) != EOF) {
+    if (c == '\n') {
+      run.log.push_back(line);
+      line.clear();
+    } else {
+      line.push_back(static_cast<char>(c));
+    }
+  }
+  const int status = pclose(pipe);
+  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (fs::is_directory(keep)) {
+    for (const auto& entry : fs::directory_iterator(keep)) {
+      const std::string name = entry.path().filename().string();
+      if (entry.path().extension() == ".sta") run.status = readLines(entry.path());
+      if (name.rfind("mrkanal.", 0) == 0) run.scratch = readLines(entry.path());
+    }
+  }
+  return run;
+}
+
+// The lines from the variable report's heading to the line before the closing "=2".
+Lines analysisReport(const Lines& status) {
+  const std::string heading = kVariableHeading[1];
+  for (size_t k = 1; k < status.size(); ++k) {
+    if (status[k] != heading) continue;
+    size_t end = status.size();
+    if (end > 0 && status[end - 1] == "=2") --end;
+    return Lines(status.begin() + static_cast<std::ptrdiff_t>(k - 1),
+                 status.begin() + static_cast<std::ptrdiff_t>(end));
+  }
+  return {};
+}
+
+// The log from the procedure title up to the end of the run.
+Lines analysisLog(const Lines& log) {
+  for (size_t k = 0; k < log.size(); ++k) {
+    if (log[k] != " #### Executing ANALYSIS ") continue;
+    size_t end = k;
+    while (end < log.size() && log[end] != " MODRAKE All Done") ++end;
+    return Lines(log.begin() + static_cast<std::ptrdiff_t>(k),
+                 log.begin() + static_cast<std::ptrdiff_t>(end));
+  }
+  return {};
+}
+
+// Every variable kind, one column each, in column order.
+TEST(AnalysisModels, FactoryColumnsOfEveryVariableKind) {
+  const OrvaRun run = runModel("factory");
+  ASSERT_EQ(run.exitCode, 0);
+  const Lines expected = kVariableHeading + kMessage.at(21) + nextItem("hire") + kMessage.at(2) +
+                         nextItem("scrap") + kMessage.at(20) + nextItem("resell") +
+                         kMessage.at(1) + nextItem("rent") + kMessage.at(23) + nextItem("idle") +
+                         kMessage.at(25) + nextItem("stock") + kMessage.at(26) +
+                         nextItem("adjust") + kMessage.at(24) + nextItem("loss") +
+                         kEquationHeading + kEquationsPass;
+  EXPECT_EQ(analysisReport(run.status), expected);
+  EXPECT_EQ(analysisLog(run.log),
+            (Lines{" #### Executing ANALYSIS ", kUnbounded, kRelaxes, kZero,
+                   "       ### The equations pass all analysis tests", " "}));
+  EXPECT_EQ(run.scratch, (Lines{" variable", "   hire", "   scrap", "   resell", "   rent",
+                                "   idle", "   stock", "   adjust", "   loss"}));
+}
+
+// Sign rules and activity rules on rows of a blend.
+TEST(AnalysisModels, BlendingRowsOfTenEquationKinds) {
+  const OrvaRun run = runModel("blending");
+  ASSERT_EQ(run.exitCode, 0);
+  const Lines expected =
+      kVariableHeading + kMessage.at(23) + nextItem("waste") + nextItem("spill") +
+      kEquationHeading + kMessage.at(5) + firstItem("spend") + kMessage.at(3) +
+      firstItem("noWaste") + kMessage.at(7) + firstItem("positiveBuy") + kMessage.at(4) +
+      firstItem("minTotal") + kMessage.at(6) + firstItem("noSpill") + kMessage.at(8) +
+      firstItem("needFiller") + kMessage.at(16) + firstItem("fillerMax") + kMessage.at(17) +
+      firstItem("fillerCap") + kMessage.at(18) + firstItem("fillerMin") + kMessage.at(19) +
+      firstItem("fillerNeed");
+  EXPECT_EQ(analysisReport(run.status), expected);
+  EXPECT_EQ(analysisLog(run.log),
+            (Lines{" #### Executing ANALYSIS ", kZero, kForceZero, kInfeasible, kRedundant, " "}));
+  EXPECT_EQ(run.scratch,
+            (Lines{" variable", "   waste", "   spill", " equation", "   spend", "   noWaste",
+                   "   positiveBuy", "   minTotal", "   noSpill", "   needFiller",
+                   "   fillerMax", "   fillerCap", "   fillerMin", "   fillerNeed"}));
+}
+
+// Node balances with wrong demands or arcs; the flows themselves pass.
+TEST(AnalysisModels, NetworkBalancesThatCannotHold) {
+  const OrvaRun run = runModel("network");
+  ASSERT_EQ(run.exitCode, 0);
+  const Lines expected =
+      kVariableHeading + kVariablesPass + kEquationHeading + kMessage.at(15) +
+      firstItem("balance(kiosk)") + kMessage.at(14) + firstItem("balance(market)") +
+      kMessage.at(13) + firstItem("balance(outlet)") + kMessage.at(11) +
+      firstItem("balance(spare)") + kMessage.at(9) + firstItem("balance(yard)") +
+      kMessage.at(10) + firstItem("balance(dump)") + kMessage.at(12) + firstItem("noImbalance");
+  EXPECT_EQ(analysisReport(run.status), expected);
+  EXPECT_EQ(analysisLog(run.log),
+            (Lines{" #### Executing ANALYSIS ", "       ### The variables pass all analysis tests",
+                   kForceZero, kInfeasible, " "}));
+  EXPECT_EQ(run.scratch, (Lines{" equation", "   balance(kiosk)", "   balance(market)",
+                                "   balance(outlet)", "   balance(spare)", "   balance(yard)",
+                                "   balance(dump)", "   noImbalance"}));
+}
+
+}  // namespace

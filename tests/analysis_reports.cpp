@@ -1,0 +1,424 @@
+// The two ladders of ANALYSIS: every finding kind with its explanation, the run rule, the pass
+// and summary lines, the analysis scratch file, and the block forms (mode 1).
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "analysis/analysis.h"
+#include "analysis_fixture.h"
+#include "analysis_messages.h"
+
+using namespace analysis_test;
+
+namespace {
+
+// Builds the tables of the fixture's model and runs one report on them.
+AnalysisRegions tables() {
+  int64_t total = 0;
+  int32_t status = 0;
+  partitionWorkArray(1, total, 5, PICTURE_WIDTH, status);
+  AnalysisRegions r = analysisRegions();
+  buildAnalysisTables(r);
+  return r;
+}
+void equationReport() {
+  const AnalysisRegions r = tables();
+  reportEquationFindings(runState.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
+                         runState.dictionary, r.rowActivity);
+}
+void variableReport() {
+  const AnalysisRegions r = tables();
+  reportVariableFindings(runState.colCount, TextTable{}, r.colSignTable, r.colBoundTable,
+                         runState.objVar, 0, runState.dictionary);
+}
+
+// One row ROW(kN) of the given type and right-hand side over one column of the given bounds
+// and coefficient.
+struct OneRow {
+  int32_t kind;
+  int32_t type;
+  double rhs;
+  double lower, upper, coef;
+  Lines kinds;  // the explanations that follow, in order
+  std::string summary;
+};
+
+TEST(EquationFindings, EveryKindWithItsExplanation) {
+  const OneRow cases[] = {
+      {4, kRowL, 5.0, 0.0, INF, -1.0, {}, kRedundant},
+      {5, kRowL, -5.0, 0.0, INF, 1.0, {}, kInfeasible},
+      {6, kRowG, 0.0, 0.0, INF, -1.0, {}, kForceZero},
+      {7, kRowG, -3.0, 0.0, INF, 1.0, {}, kRedundant},
+      {8, kRowG, 2.0, 0.0, INF, -1.0, {}, kInfeasible},
+      {9, kRowE, 2.0, 0.0, INF, -1.0, {}, kInfeasible},
+      {10, kRowE, -2.0, 0.0, INF, 1.0, {}, kInfeasible},
+      {11, kRowE, 0.0, 0.0, INF, -1.0, {}, kForceZero},
+      {12, kRowE, 0.0, -INF, INF, 1.0, {}, kForceZero},
+      {13, kRowE, 0.0, 0.0, INF, 1.0, {}, kForceZero},
+      {14, kRowE, 1.0, 2.0, 5.0, 1.0, {}, kInfeasible},
+      {15, kRowE, 10.0, 2.0, 5.0, 1.0, {}, kInfeasible},
+      {16, kRowL, 1.0, 2.0, 5.0, 1.0, {}, kInfeasible},
+      {17, kRowL, 10.0, 2.0, 5.0, 1.0, {}, kRedundant},
+      {18, kRowG, 1.0, 2.0, 5.0, 1.0, {}, kRedundant},
+      {19, kRowG, 10.0, 2.0, 5.0, 1.0, {}, kInfeasible},
+      {3, kRowL, 0.0, 0.0, INF, 1.0, {}, kForceZero},
+      // Nonpositive column: -y with y <= 0 raises the left side.
+      {4, kRowL, 0.0, -INF, 0.0, 1.0, {}, kRedundant},
+      {10, kRowE, -1.0, -INF, 0.0, -1.0, {}, kInfeasible},
+  };
+  for (const OneRow& c : cases) {
+    ModelBuilder b;
+    const std::string label = "k" + std::to_string(c.kind);
+    const int32_t row = b.row("ROW", {label}, c.type, c.rhs);
+    const int32_t col = b.col("X", {"a"}, c.lower, c.upper);
+    b.add(row, col, c.coef);
+    RunFixture fx;
+    fx.start(b.build());
+    equationReport();
+    EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(c.kind) + firstItem("ROW(" + label + ")"))
+        << "kind " << c.kind;
+    EXPECT_EQ(fx.log, Lines{c.summary}) << "kind " << c.kind;
+    EXPECT_EQ(fx.scratch(), (Lines{" equation", "   ROW(" + label + ")"})) << "kind " << c.kind;
+    EXPECT_EQ(runState.analysisProblemsPending, 1);
+  }
+}
+
+TEST(EquationFindings, InfeasibleBothWaysIsListedTwice) {
+  // 5 <= x <= 2: the lower bound lies above the upper one, so x = 3 fails both activity tests.
+  ModelBuilder b;
+  const int32_t row = b.row("BAL", {}, kRowE, 3.0);
+  const int32_t col = b.col("X", {}, 5.0, 2.0);
+  b.add(row, col, 1.0);
+  RunFixture fx;
+  fx.start(b.build());
+  equationReport();
+  EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(14) + firstItem("BAL") + kMessage.at(15) +
+                           firstItem("BAL"));
+  EXPECT_EQ(fx.log, Lines{kInfeasible});
+  EXPECT_EQ(fx.scratch(), (Lines{" equation", "   BAL", "   BAL"}));
+}
+
+TEST(EquationFindings, RowsThatMeetNoRule) {
+  ModelBuilder b;
+  const int32_t p = b.col("P", {}, 0.0, INF);
+  const int32_t f1 = b.col("F", {"1"}, -INF, INF);
+  const int32_t f2 = b.col("F", {"2"}, -INF, INF);
+  const int32_t x = b.col("X", {}, 2.0, 5.0);
+  // Two free terms with rhs 0: no sign rule.
+  const int32_t r1 = b.row("TWOFREE", {}, kRowE, 0.0);
+  b.add(r1, f1, 1.0);
+  b.add(r1, f2, 1.0);
+  // A free term keeps an =L= row with a negative term out of kind 4.
+  const int32_t r2 = b.row("MIXED", {}, kRowL, 1.0);
+  b.add(r2, p, -1.0);
+  b.add(r2, f1, 1.0);
+  // rhs equal to the activity bounds: the comparisons are strict.
+  const int32_t r3 = b.row("ATMIN", {}, kRowE, 2.0);
+  b.add(r3, x, 1.0);
+  const int32_t r4 = b.row("ATMAX", {}, kRowL, 5.0);
+  b.add(r4, x, 1.0);
+  // =N= rows meet no rule.
+  const int32_t r5 = b.row("FREEROW", {}, kRowN, -7.0);
+  b.add(r5, p, 1.0);
+  RunFixture fx;
+  fx.start(b.build());
+  equationReport();
+  EXPECT_EQ(fx.status, kEquationHeading + kEquationsPass);
+  EXPECT_EQ(fx.log, Lines{"       ### The equations pass all analysis tests"});
+  EXPECT_EQ(fx.scratch(), Lines{});
+  EXPECT_EQ(runState.analysisProblemsPending, 0);
+}
+
+TEST(EquationFindings, EmptyRowsMeetTheActivityRules) {
+  // A row without terms: max 0 with maxState 1, so rhs above 0 is infeasible for =E= (15)
+  // and =G= (19), redundant for =L= (17); an empty model passes.
+  ModelBuilder b;
+  b.row("E", {}, kRowE, 1.0);
+  b.row("G", {}, kRowG, 1.0);
+  b.row("L", {}, kRowL, 1.0);
+  b.col("X", {}, 0.0, INF);
+  RunFixture fx;
+  fx.start(b.build());
+  equationReport();
+  EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(15) + firstItem("E") + kMessage.at(19) +
+                           firstItem("G") + kMessage.at(17) + firstItem("L"));
+  EXPECT_EQ(fx.log, (Lines{kInfeasible, kRedundant}));
+
+  RunFixture empty;
+  empty.start(ModelBuilder{}.build());
+  equationReport();
+  EXPECT_EQ(empty.status, kEquationHeading + kEquationsPass);
+}
+
+TEST(EquationFindings, OneExplanationPerRunAndCautionFromTheFirstRowOfARun) {
+  ModelBuilder b;
+  const int32_t x = b.col("X", {}, 0.0, INF);
+  auto redundant = [&](const std::string& label, bool nonlinear) {
+    const int32_t r = b.row("CAP", {label}, kRowL, 4.0);
+    b.add(r, x, -1.0, nonlinear);
+  };
+  auto clean = [&](const std::string& label) {
+    const int32_t r = b.row("OK", {label}, kRowL, 4.0);
+    b.add(r, x, 1.0);
+  };
+  auto infeasible = [&](const std::string& label, bool nonlinear) {
+    const int32_t r = b.row("NEED", {label}, kRowG, 4.0);
+    b.add(r, x, -1.0, nonlinear);
+  };
+  redundant("a", false);
+  clean("a");
+  redundant("b", true);  // same run: no caution of its own
+  infeasible("a", true);
+  infeasible("b", false);
+  redundant("c", false);
+  RunFixture fx;
+  fx.start(b.build());
+  equationReport();
+  EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(4) + firstItem("CAP(a)") +
+                           nextItem("CAP(b)") + kMessage.at(8) + kEquationCaution +
+                           firstItem("NEED(a)") + nextItem("NEED(b)") + kMessage.at(4) +
+                           firstItem("CAP(c)"));
+  EXPECT_EQ(fx.log, (Lines{kInfeasible, kRedundant}));
+}
+
+TEST(EquationFindings, OnlyFiveOfAKindEnterTheScratchFile) {
+  ModelBuilder b;
+  const int32_t x = b.col("X", {}, 0.0, INF);
+  for (int k = 1; k <= 7; ++k) {
+    const int32_t r = b.row("CAP", {std::to_string(k)}, kRowL, 4.0);
+    b.add(r, x, -1.0);
+  }
+  const int32_t r = b.row("NEED", {}, kRowG, 4.0);
+  b.add(r, x, -1.0);
+  RunFixture fx;
+  fx.start(b.build());
+  equationReport();
+  EXPECT_EQ(fx.scratch(), (Lines{" equation", "   CAP(1)", "   CAP(2)", "   CAP(3)", "   CAP(4)",
+                                 "   CAP(5)", "   NEED"}));
+  EXPECT_EQ(runState.analysisProblemCount, 8);
+  // The sixth and seventh are still in the report.
+  EXPECT_EQ(fx.status[fx.status.size() - kMessage.at(8).size() - 3], "     " + pad("CAP(7)", 80));
+}
+
+// One variable X(kN) with bounds, an objective coefficient (maximising) and a coefficient in
+// one constraint row of the given type.
+struct OneCol {
+  int32_t kind;
+  double lower, upper, objCoef;
+  int32_t rowType;
+  double rowCoef;
+  std::string summary;
+};
+
+TEST(VariableFindings, EveryKindWithItsExplanation) {
+  const OneCol cases[] = {
+      {20, 0.0, INF, 3.0, kRowG, 1.0, kUnbounded},   {21, 0.0, INF, 0.0, kRowG, 1.0, kRelaxes},
+      {23, 0.0, 10.0, 0.0, kRowL, 1.0, kZero},       {1, 2.0, 10.0, -3.0, kRowL, 1.0, kZero},
+      {2, 2.0, 10.0, 3.0, kRowG, 1.0, kZero},        {24, -5.0, 0.0, -3.0, kRowG, 1.0, kZero},
+      {25, -INF, INF, -3.0, kRowL, 1.0, kUnbounded}, {26, -INF, INF, 0.0, kRowL, 1.0, kRelaxes},
+  };
+  for (const OneCol& c : cases) {
+    ModelBuilder b;
+    const int32_t cost = b.row("COST", {}, kRowE, 0.0);
+    const int32_t limit = b.row("LIMIT", {}, c.rowType, 1.0);
+    const int32_t obj = b.col("OBJ", {}, -INF, INF);
+    const std::string label = "k" + std::to_string(c.kind);
+    const int32_t x = b.col("X", {label}, c.lower, c.upper);
+    b.add(cost, obj, -1.0);
+    if (c.objCoef != 0.0) b.add(cost, x, c.objCoef);
+    b.add(limit, x, c.rowCoef);
+    b.objective(cost, obj, false);
+    RunFixture fx;
+    fx.start(b.build());
+    variableReport();
+    EXPECT_EQ(fx.status, kVariableHeading + kMessage.at(c.kind) + nextItem("X(" + label + ")"))
+        << "kind " << c.kind;
+    EXPECT_EQ(fx.log, Lines{c.summary}) << "kind " << c.kind;
+    EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X(" + label + ")"})) << "kind " << c.kind;
+  }
+}
+
+TEST(VariableFindings, LimitsObjectiveVariableAndPassLines) {
+  ModelBuilder b;
+  const int32_t cost = b.row("COST", {}, kRowE, 0.0);
+  const int32_t bal = b.row("BAL", {}, kRowE, 0.0);
+  const int32_t obj = b.col("OBJ", {}, -INF, INF);  // would be kind 21 if not skipped
+  const int32_t x = b.col("X", {}, 0.0, INF);       // in an =E= row: held both ways
+  const int32_t y = b.col("Y", {}, 0.0, INF);
+  b.add(cost, obj, -1.0);
+  b.add(cost, x, 2.0);
+  b.add(bal, x, 1.0);
+  b.add(bal, y, -1.0);
+  b.objective(cost, obj, true);
+  RunFixture fx;
+  fx.start(b.build());
+  variableReport();
+  EXPECT_EQ(fx.status, kVariableHeading + kVariablesPass);
+  EXPECT_EQ(fx.log, Lines{"       ### The variables pass all analysis tests"});
+}
+
+TEST(VariableFindings, CautionAndTheCapCountedPerSymbol) {
+  ModelBuilder b;
+  const int32_t g = b.row("G", {}, kRowG, 1.0);
+  for (int k = 1; k <= 7; ++k) b.add(g, b.col("X", {std::to_string(k)}, 0.0, INF), 1.0, k == 1);
+  for (int k = 1; k <= 2; ++k) b.add(g, b.col("Y", {std::to_string(k)}, 0.0, INF), 1.0);
+  RunFixture fx;
+  fx.start(b.build());
+  variableReport();
+  Lines expected = kVariableHeading + kMessage.at(21) + kVariableCaution;
+  for (int k = 1; k <= 7; ++k) expected = expected + nextItem("X(" + std::to_string(k) + ")");
+  expected = expected + nextItem("Y(1)") + nextItem("Y(2)");
+  EXPECT_EQ(fx.status, expected);
+  EXPECT_EQ(fx.log, Lines{kRelaxes});
+  EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X(1)", "   X(2)", "   X(3)", "   X(4)", "   X(5)",
+                                 "   Y(1)", "   Y(2)"}));
+  EXPECT_EQ(runState.analysisProblemCount, 9);
+}
+
+TEST(AnalysisScratchFile, SectionWordsFollowTheItemClassAndTheFirstProblemStartsAfresh) {
+  RunFixture fx;
+  fx.start(ModelBuilder{}.build());
+  std::fputs("   OLD(1)\n   OLD(2)\n   OLD(3)\n   OLD(4)\n", runState.analysisChannel);
+  recordProblem(ITEM_VARIABLE, "X(a)   ", 21, 0);
+  recordProblem(ITEM_EQUATION, "E(b)", 4, 0);
+  recordProblem(ITEM_EQUATION, "E(c)", 5, 0);
+  recordProblem(ITEM_VARIABLE, "Z", 20, 0);
+  recordProblem(ITEM_VARIABLE, "BLOCK", 20, 1);  // block findings are not recorded
+  EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X(a)", " equation", "   E(b)", "   E(c)",
+                                 " variable", "   Z"}));
+  EXPECT_EQ(runState.analysisProblemCount, 4);
+  EXPECT_EQ(runState.analysisProblemsPending, 1);
+
+  // A later ANALYSIS of the same run adds to the file without starting it afresh.
+  runState.analysisProblemsPending = 0;
+  runState.analysisProblemTally.fill(0);
+  recordProblem(ITEM_VARIABLE, "W", 26, 0);
+  EXPECT_EQ(fx.scratch().back(), "   W");
+  EXPECT_EQ(fx.scratch().size(), 8u);
+  EXPECT_EQ(runState.analysisProblemsPending, 0);
+}
+
+TEST(PrintFoldedItem, Styles) {
+  std::vector<std::string> out;
+  Channel ch{nullptr, &out};
+  const std::string label = "SUPPLY(SEATTLE,NEWYORK,CHICAGO)";
+  printFoldedItem(label, 20, 1, ch);
+  printFoldedItem(label, 20, 2, ch);
+  printFoldedItem("X", 20, 3, ch);
+  printFoldedItem("X", 20, 4, ch);
+  printFoldedItem("X", 20, 5, ch);
+  EXPECT_EQ(out, (Lines{"", " ##  SUPPLY(SEATTLE,     ", "            NEWYORK,     ",
+                        "            CHICAGO)     ", "", "     SUPPLY(SEATTLE,     ",
+                        "            NEWYORK,     ", "            CHICAGO)     ",
+                        "     X                   ", "     X                   ",
+                        "     X                   "}));
+  // Wider than 130 folds at 130.
+  out.clear();
+  const std::string wide = "W(" + std::string(100, 'a') + "," + std::string(40, 'b') + ")";
+  printFoldedItem(wide, 200, 5, ch);
+  EXPECT_EQ(out, (Lines{"     " + pad("W(" + std::string(100, 'a') + ",", 130),
+                        "     " + pad("  " + std::string(40, 'b') + ")", 130)}));
+}
+
+// Block tables made by hand: the reports in mode 1.
+struct BlockTables {
+  int32_t n;
+  std::vector<char> names;
+  std::vector<int32_t> sign, bound, type;
+  std::vector<double> rhs;
+  BlockTables(int32_t count, int32_t width2, int32_t width3)
+      : n(count),
+        names(static_cast<size_t>(31 * count), ' '),
+        sign(static_cast<size_t>(count * width2 * 3), 0),
+        bound(static_cast<size_t>(count * 5), 0),
+        type(static_cast<size_t>(count), 0),
+        rhs(static_cast<size_t>(count), 0.0) {
+    (void)width3;
+  }
+  TextTable nameTable() { return TextTable{names.data(), 31, n}; }
+};
+
+TEST(BlockFindings, EquationRulesOnSignCodes) {
+  // Blocks: 1 =L= all rhs positive, negative terms only: kind 4. 2 the same with mixed signs
+  // (-99): nothing. 3 =G= all rhs negative, positive terms only: kind 7. 4 =E= rhs zero with
+  // one free term: kind 12 is for single rows only. 5 =E= all rhs positive with only positive
+  // terms from bounded columns: the activity rules are off. 6 =L= some negative and the rest
+  // zero, positive terms: kind 5.
+  BlockTables t(6, 3, 3);
+  Table3<int32_t> sign{t.sign.data(), 6, 3, 3};
+  TextTable names = t.nameTable();
+  const char* blockNames[] = {"CAP", "MIXED", "DEM", "BAL", "FLOW", "LIM"};
+  for (int32_t k = 1; k <= 6; ++k) names.set(k, blockNames[k - 1]);
+  Vec1<int32_t> types{t.type.data(), 6};
+  Vec1<double> rhs{t.rhs.data(), 6};
+  types[1] = kRowL, rhs[1] = 2, sign(1, 1, 2) = 3;
+  types[2] = kRowL, rhs[2] = -99, sign(2, 1, 2) = 3;
+  types[3] = kRowG, rhs[3] = -2, sign(3, 1, 1) = 2, sign(3, 1, 3) = 1;
+  types[4] = kRowE, rhs[4] = 0, sign(4, 3, 1) = 1;
+  types[5] = kRowE, rhs[5] = 2, sign(5, 1, 1) = 4;
+  types[6] = kRowL, rhs[6] = -1, sign(6, 2, 2) = 1;
+  RunFixture fx;
+  fx.start(ModelBuilder{}.build());
+  reportEquationFindings(6, names, sign, types, rhs, 1, nullptr, Table2<double>{});
+  EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(4) + firstItem(std::string(names.view(1))) +
+                           kMessage.at(7) + kEquationCaution +
+                           firstItem(std::string(names.view(3))) + kMessage.at(5) +
+                           firstItem(std::string(names.view(6))));
+  EXPECT_EQ(fx.log, (Lines{kInfeasible, kRedundant}));
+  EXPECT_EQ(fx.scratch(), Lines{});
+  EXPECT_EQ(runState.analysisProblemCount, 0);
+}
+
+TEST(BlockFindings, VariableRulesSkipTheObjectiveBlock) {
+  BlockTables t(3, 4, 3);
+  Table3<int32_t> sign{t.sign.data(), 3, 4, 3};
+  Table2<int32_t> bound{t.bound.data(), 3, 5};
+  TextTable names = t.nameTable();
+  names.set(1, "OBJVAR");
+  names.set(2, "SHIP");
+  names.set(3, "STOCK");
+  for (int32_t k = 1; k <= 3; ++k) {
+    bound(k, 1) = 1, bound(k, 2) = 0, bound(k, 3) = NO_UPPER, bound(k, 4) = 1, bound(k, 5) = 1;
+  }
+  sign(2, 4, 1) = 1;  // SHIP: desirable, only + in =G= rows: unbounded
+  sign(2, 2, 1) = 4;
+  sign(3, 1, 1) = 1;  // STOCK: in an =E= row: held both ways
+  RunFixture fx;
+  fx.start(ModelBuilder{}.build());
+  reportVariableFindings(3, names, sign, bound, 1, 1, nullptr);
+  EXPECT_EQ(fx.status, kVariableHeading + kMessage.at(20) + nextItem(std::string(names.view(2))));
+  EXPECT_EQ(fx.log, Lines{kUnbounded});
+  EXPECT_EQ(fx.scratch(), Lines{});
+}
+
+TEST(RunAnalysis, HeadingBothReportsAndScratchFile) {
+  // Maximise 2 x + y subject to x - y >= 1 (=G=) and y <= -1 (=L= with only y): x is
+  // unbounded, and LIM is infeasible since y >= 0.
+  ModelBuilder b;
+  const int32_t cost = b.row("PROFIT", {}, kRowE, 0.0);
+  const int32_t need = b.row("NEED", {}, kRowG, 1.0);
+  const int32_t lim = b.row("LIM", {}, kRowL, -1.0);
+  const int32_t obj = b.col("OBJ", {}, -INF, INF);
+  const int32_t x = b.col("X", {}, 0.0, INF);
+  const int32_t y = b.col("Y", {}, 0.0, INF);
+  b.add(cost, obj, -1.0);
+  b.add(cost, x, 2.0);
+  b.add(cost, y, 1.0);
+  b.add(need, x, 1.0);
+  b.add(need, y, -1.0);
+  b.add(lim, y, 1.0);
+  b.objective(cost, obj, false);
+  RunFixture fx;
+  fx.start(b.build());
+  runAnalysis();
+  const Lines heading = {" ", " ----#### Executing ANALYSIS ", "=L#### MODRAKE ANALYSIS ", " "};
+  EXPECT_EQ(fx.status, heading + kVariableHeading + kMessage.at(20) + nextItem("X") +
+                           kEquationHeading + kMessage.at(5) + firstItem("LIM"));
+  EXPECT_EQ(fx.log, (Lines{" #### Executing ANALYSIS ", kUnbounded, kInfeasible}));
+  EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X", " equation", "   LIM"}));
+  EXPECT_EQ(runState.analysisProblemsPending, 1);
+}
+
+}  // namespace

@@ -1,0 +1,221 @@
+// The ANALYSIS tables: bound classes, sign counts, activity bounds and the objective turn.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "analysis/analysis.h"
+#include "analysis_fixture.h"
+
+using analysis_test::INF;
+using analysis_test::ModelBuilder;
+using analysis_test::RunFixture;
+
+namespace {
+
+// One colBoundTable row in plain storage, with its start values.
+struct BoundRow {
+  std::array<int32_t, 5> slot{0, NO_LOWER, NO_UPPER, 0, 0};
+  Table2<int32_t> table() { return Table2<int32_t>{slot.data(), 1, 5}; }
+  void classify(double upper, double lower, int32_t type = 0) {
+    classifyBounds(upper, lower, PLUS_INF, MINUS_INF, 1, table(), type);
+  }
+};
+
+using Slots = std::array<int32_t, 5>;
+
+TEST(ClassifyBounds, OneColumn) {
+  struct Case {
+    double lower, upper;
+    int32_t type;
+    Slots expected;  // signClass, lowerState, upperState, boundClass, typeCode
+  };
+  const Case cases[] = {
+      {0.0, PLUS_INF, 0, {1, 0, NO_UPPER, 1, 1}},              // positive variable
+      {MINUS_INF, 0.0, 0, {-1, NO_LOWER, 0, 2, 2}},            // negative variable
+      {MINUS_INF, PLUS_INF, 0, {2, NO_LOWER, NO_UPPER, 3, 3}}, // free
+      {-5.0, 10.0, 0, {2, -1, 1, 3, 3}},                       // finite both sides: free
+      {-5.0, -1.0, 0, {-1, -1, -1, 2, 2}},
+      {0.0, 0.0, 0, {1, 0, 0, 1, 1}},                          // fixed at zero
+      {5.0, 5.0, 0, {1, 1, 1, 1, 1}},                          // fixed at 5
+      {0.0, 1.0, 1, {1, 0, 1, 1, 4}},                          // binary
+      {2.0, 9.0, 2, {1, 1, 1, 1, 5}},                          // integer
+      {0.0, 3.0, 3, {1, 0, 1, 1, 6}},                          // SOS
+      // Near the infinities: 0.9 x minusInf and 0.99 x plusInf in single precision.
+      {LOWER_INF_FRACTION * MINUS_INF, 2.0, 0, {2, NO_LOWER, 1, 3, 3}},
+      {3.0e300, UPPER_INF_FRACTION * PLUS_INF, 0, {1, 1, NO_UPPER, 1, 1}},
+      {0.0, 2.9e300, 0, {1, 0, 1, 1, 1}},
+  };
+  for (const Case& c : cases) {
+    BoundRow r;
+    r.classify(c.upper, c.lower, c.type);
+    EXPECT_EQ(r.slot, c.expected) << "lower " << c.lower << " upper " << c.upper;
+  }
+}
+
+TEST(ClassifyBounds, BlockMembersMoveTheLowerSideButNotAFixedUpperSide) {
+  BoundRow r;
+  r.classify(5.0, 0.0);  // upper side fixed at 1 by the first finite member
+  EXPECT_EQ(r.slot, (Slots{1, 0, 1, 1, 1}));
+  r.classify(0.0, -3.0);  // lower moves to -1, upper stays
+  EXPECT_EQ(r.slot, (Slots{2, -1, 1, 3, 3}));
+  r.classify(-1.0, 2.0);  // a positive lower raises the state to 1
+  EXPECT_EQ(r.slot, (Slots{1, 1, 1, 1, 1}));
+  r.classify(1.0, 0.0);   // 0 does not lower a state of 1
+  EXPECT_EQ(r.slot[1], 1);
+  r.classify(1.0, MINUS_INF);  // an infinite member clears the lower side
+  EXPECT_EQ(r.slot, (Slots{2, NO_LOWER, 1, 3, 3}));
+  r.classify(1.0, 0.0);
+  EXPECT_EQ(r.slot[1], 0);
+
+  BoundRow u;
+  u.classify(PLUS_INF, 0.0);  // an infinite upper leaves NO_UPPER ...
+  u.classify(0.0, 0.0);       // ... so the next member fixes it
+  u.classify(7.0, 0.0);
+  EXPECT_EQ(u.slot[2], 0);
+}
+
+// Runs the table pass on the fixture's model and returns the regions.
+AnalysisRegions tables() {
+  int64_t total = 0;
+  int32_t status = 0;
+  partitionWorkArray(1, total, 5, PICTURE_WIDTH, status);
+  AnalysisRegions r = analysisRegions();
+  buildAnalysisTables(r);
+  return r;
+}
+
+TEST(AnalysisTables, SignsActivityAndObjective) {
+  ModelBuilder b;
+  const int32_t obj = b.row("COST", {}, kRowE, 0.0);
+  const int32_t cap = b.row("CAP", {}, kRowL, 10.0);
+  const int32_t dem = b.row("DEM", {}, kRowG, 4.0);
+  const int32_t bal = b.row("BAL", {}, kRowE, 0.0);
+  const int32_t free = b.row("FREEROW", {}, kRowN, 0.0);
+  const int32_t x = b.col("X", {}, 0.0, 8.0);         // non-negative
+  const int32_t y = b.col("Y", {}, -INF, 0.0);   // non-positive
+  const int32_t z = b.col("Z", {}, -INF, INF);   // free
+  const int32_t w = b.col("W", {}, 2.0, INF);
+  const int32_t o = b.col("OBJ", {}, -INF, INF);
+  b.add(obj, x, 3.0);
+  b.add(obj, y, -2.0, true);
+  b.add(obj, o, -1.0);
+  b.add(cap, x, 2.0);
+  b.add(cap, y, -1.0);
+  b.add(cap, w, 1.0, true);
+  b.add(dem, x, 1.0);
+  b.add(dem, z, -1.0);
+  b.add(bal, w, -1.0);
+  b.add(bal, x, 0.0, true);  // nonlinear, derivative 0 at the point
+  b.add(free, w, 5.0);
+  const int32_t sticky = b.row("STICKY", {}, kRowL, 1.0);
+  b.add(sticky, z, 1.0);
+  b.add(sticky, b.col("V", {}, 3.0, 9.0), 1.0);
+  b.objective(obj, o, false);  // maximise
+  RunFixture fx;
+  fx.start(b.build());
+  const AnalysisRegions r = tables();
+
+  EXPECT_EQ(r.anaRowType[cap], kRowL);
+  EXPECT_DOUBLE_EQ(r.rowRhs[cap], 10.0);
+  // CAP: 2x (class 1, +), -y (class 2, -), w (class 1, +, nonlinear).
+  EXPECT_EQ(r.rowSignTable(cap, 1, 1), 2);
+  EXPECT_EQ(r.rowSignTable(cap, 2, 2), 1);
+  EXPECT_EQ(r.rowSignTable(cap, 1, 3), 1);
+  // min = 2*0 + (-1)*0 + 1*2 = 2, a nonzero bound was used; max has infinite terms.
+  EXPECT_DOUBLE_EQ(r.rowActivity(cap, 1), 2.0);
+  EXPECT_EQ(r.rowActivity(cap, 2), 1.0);
+  EXPECT_EQ(r.rowActivity(cap, 4), 0.0);
+  // DEM: x (+), -z in a free column: the lower bound of z is -inf, used by the max side.
+  EXPECT_EQ(r.rowSignTable(dem, 3, 2), 1);
+  EXPECT_EQ(r.rowActivity(dem, 2), -1.0);
+  EXPECT_EQ(r.rowActivity(dem, 4), 0.0);
+  // BAL: only -w, w >= 2: min = -inf side, max = -2.
+  EXPECT_EQ(r.rowActivity(bal, 2), -1.0);
+  EXPECT_DOUBLE_EQ(r.rowActivity(bal, 3), -2.0);
+  EXPECT_EQ(r.rowActivity(bal, 4), 1.0);
+  EXPECT_EQ(r.rowSignTable(bal, 1, 3), 1);  // the zero derivative still counts as nonlinear
+  EXPECT_EQ(r.rowSignTable(bal, 1, 1), 0);  // the zero coefficient of x counts nowhere
+  EXPECT_EQ(r.rowSignTable(bal, 1, 2), 1);
+  // STICKY: a free column first (its infinite lower bound), then a bounded one: minState
+  // stays -1.
+  EXPECT_EQ(r.rowActivity(sticky, 2), -1.0);
+  EXPECT_EQ(r.rowActivity(sticky, 4), 0.0);
+  // The objective row: signs counted, no activity.
+  EXPECT_EQ(r.rowSignTable(obj, 1, 1), 1);
+  EXPECT_EQ(r.rowSignTable(obj, 2, 2), 1);
+  EXPECT_EQ(r.rowSignTable(obj, 3, 2), 1);
+  EXPECT_EQ(r.rowActivity(obj, 2), 0.0);
+  EXPECT_EQ(r.rowActivity(obj, 3), 0.0);
+  EXPECT_EQ(r.rowActivity(obj, 4), 1.0);
+
+  // Columns: X in =L= (+), =G= (+), =E= (0: nothing), objective +3 under max with the
+  // objective variable at -1: raising x improves the objective.
+  EXPECT_EQ(r.colSignTable(x, 3, 1), 1);
+  EXPECT_EQ(r.colSignTable(x, 2, 1), 1);
+  EXPECT_EQ(r.colSignTable(x, 1, 1) + r.colSignTable(x, 1, 2), 0);
+  EXPECT_EQ(r.colSignTable(x, 1, 3), 1);
+  EXPECT_EQ(r.colSignTable(x, 4, 1), 1);
+  EXPECT_EQ(r.colSignTable(x, 4, 2), 0);
+  // Y: -2 in the objective: raising y worsens it.
+  EXPECT_EQ(r.colSignTable(y, 4, 2), 1);
+  EXPECT_EQ(r.colSignTable(y, 4, 1), 0);
+  EXPECT_EQ(r.colSignTable(y, 1, 3), 1);
+  // W: +1 in =L=, -1 in =E=, 5 in the =N= row counted in slot 4, which the objective turn
+  // moves along with the objective flags.
+  EXPECT_EQ(r.colSignTable(w, 3, 1), 1);
+  EXPECT_EQ(r.colSignTable(w, 1, 2), 1);
+  EXPECT_EQ(r.colSignTable(w, 4, 1), 0);
+  EXPECT_EQ(r.colSignTable(w, 4, 2), 1);
+  // Bound classes.
+  EXPECT_EQ(r.colBoundTable(x, 4), 1);
+  EXPECT_EQ(r.colBoundTable(y, 4), 2);
+  EXPECT_EQ(r.colBoundTable(z, 4), 3);
+  EXPECT_EQ(r.colBoundTable(w, 2), 1);
+}
+
+// The same objective written the other way about, +1 for the objective variable: the
+// objective turn keeps goodObjective meaning "raising improves".
+TEST(AnalysisTables, ObjectiveTurnAndMinimisation) {
+  for (const bool minimizing : {false, true}) {
+    for (const double objCoef : {-1.0, 1.0}) {
+      ModelBuilder b;
+      const int32_t obj = b.row("COST", {}, kRowE, 0.0);
+      const int32_t x = b.col("X", {}, 0.0, INF);
+      const int32_t o = b.col("OBJ", {}, -INF, INF);
+      // objCoef * obj + 3 x = 0: obj = 3x / -objCoef.
+      b.add(obj, x, 3.0 * -objCoef);
+      b.add(obj, o, objCoef);
+      b.objective(obj, o, minimizing);
+      RunFixture fx;
+      fx.start(b.build());
+      const AnalysisRegions r = tables();
+      // obj = 3x: raising x raises the objective, good when maximising.
+      EXPECT_EQ(r.colSignTable(x, 4, 1), minimizing ? 0 : 1) << minimizing << objCoef;
+      EXPECT_EQ(r.colSignTable(x, 4, 2), minimizing ? 1 : 0) << minimizing << objCoef;
+    }
+  }
+}
+
+TEST(AnalysisTables, ScaleFactorsApplyToRhsBoundsAndCoefficients) {
+  ModelBuilder b;
+  const int32_t row = b.row("R", {}, kRowL, 3.0, 2.0);
+  const int32_t x = b.col("X", {}, 1.0, 4.0, kVarContinuous, 0.5);
+  const int32_t y = b.col("Y", {}, 0.0, INF, kVarContinuous, 4.0);
+  b.add(row, x, 6.0);
+  b.add(row, y, -8.0);
+  RunFixture fx;
+  fx.start(b.build());
+  runState.useScale = 1;
+  const AnalysisRegions r = tables();
+  EXPECT_DOUBLE_EQ(r.rowScale[row], 2.0);
+  EXPECT_DOUBLE_EQ(r.colScale[x], 0.5);
+  EXPECT_DOUBLE_EQ(r.rowRhs[row], 6.0);
+  // x: a = 6 / 0.5 * 2 = 24, bounds 0.5 and 2; y: a = -8 / 4 * 2 = -4, bounds 0 and inf
+  // (not scaled). min = 24 * 0.5 + (-4) * inf-value; max = 24 * 2 + (-4) * 0 = 48.
+  EXPECT_EQ(r.rowActivity(row, 2), -1.0);
+  EXPECT_DOUBLE_EQ(r.rowActivity(row, 3), 48.0);
+  EXPECT_EQ(r.rowActivity(row, 4), 1.0);
+}
+
+}  // namespace

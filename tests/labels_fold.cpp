@@ -1,0 +1,151 @@
+// Item labels: folding to a report width, and the names the dictionary gives rows and columns.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "analysis_fixture.h"
+#include "model/blocks.h"
+
+using analysis_test::INF;
+using analysis_test::ModelBuilder;
+using analysis_test::RunFixture;
+
+namespace {
+
+std::vector<std::string> fold(const std::string& text, int32_t width, int32_t capacity = 375) {
+  std::vector<std::string> lines;
+  foldItemLabel(text, width, lines, capacity);
+  return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(FoldItemLabel, BreaksBehindCommasAndIndentsByTheSymbol) {
+  EXPECT_EQ(fold("SUPPLY(SEATTLE,NEWYORK,CHICAGO)", 20),
+            (Lines{"SUPPLY(SEATTLE,", "       NEWYORK,", "       CHICAGO)"}));
+  // Several labels share a line while they fit.
+  EXPECT_EQ(fold("A(B,C,D,E)", 6), (Lines{"A(B,C,", "  D,E)"}));
+}
+
+TEST(FoldItemLabel, TextsThatStayOneLine) {
+  // Exactly the width.
+  EXPECT_EQ(fold("SUPPLY(SEATTLE,NEWYORK)", 23), (Lines{"SUPPLY(SEATTLE,NEWYORK)"}));
+  // No parenthesis: whole, however long.
+  EXPECT_EQ(fold("TOTALCOSTOFTRANSPORT", 5), (Lines{"TOTALCOSTOFTRANSPORT"}));
+  // "(" as the last character.
+  EXPECT_EQ(fold("ABCDEFGHIJ(", 4), (Lines{"ABCDEFGHIJ("}));
+  // Trailing blanks of a padded block name do not count.
+  EXPECT_EQ(fold("DEMAND                         ", 10), (Lines{"DEMAND"}));
+}
+
+TEST(FoldItemLabel, AnElementWiderThanTheLineIsNotCutButTheCapacityCuts) {
+  EXPECT_EQ(fold("X(AVERYLONGLABELNAME,B)", 10), (Lines{"X(AVERYLONGLABELNAME,", "  B)"}));
+  EXPECT_EQ(fold("X(AVERYLONGLABELNAME,B)", 10, 8), (Lines{"X(AVERYL", "  B)"}));
+}
+
+// One model with a scalar, a quoted label, a label of 64 characters and a symbol of many
+// long quoted labels.
+struct LabelModel {
+  ModelBuilder b;
+  int32_t total, ship, longLabel, wide, cap;
+  std::string label64 = std::string(60, 'a') + "wxyz";
+  LabelModel() {
+    total = b.row("COST", {}, kRowE, 0.0);
+    cap = b.row("CAP", {"'new york'", "seattle"}, kRowL, 10.0);
+    ship = b.col("X", {"seattle", "'new york'"}, 0.0, INF);
+    b.col("X", {"seattle", "chicago"}, 0.0, INF);
+    longLabel = b.col("Y", {label64}, 0.0, INF);
+    std::vector<std::string> ten;
+    wide = b.col("WIDE", {"'" + std::string(63, 'p') + "'", "'" + std::string(63, 'q') + "'",
+                          "'" + std::string(63, 'r') + "'", "'" + std::string(63, 's') + "'",
+                          "'" + std::string(63, 't') + "'", "'" + std::string(63, 'u') + "'",
+                          "'" + std::string(63, 'v') + "'", "'" + std::string(63, 'w') + "'",
+                          "'" + std::string(63, 'x') + "'", "'" + std::string(63, 'y') + "'"},
+                  0.0, INF);
+    b.add(total, ship, 1.0);
+    b.add(cap, ship, 1.0);
+  }
+};
+
+TEST(ItemLabels, FullTextsAndParts) {
+  LabelModel lm;
+  RunFixture fx;
+  fx.start(lm.b.build());
+  ovdHandle d = runState.dictionary;
+  std::string text;
+  int32_t length = 0, dim = -1, isNew = 0;
+
+  equItemLabel(d, lm.total, text, length, LABEL_FULL, TextTable{}, dim, 375);
+  EXPECT_EQ(text, "COST");  // a scalar has no parentheses
+  EXPECT_EQ(length, 4);
+  EXPECT_EQ(dim, 0);
+
+  equItemLabel(d, lm.cap, text, length, LABEL_FULL, TextTable{}, dim, 375);
+  EXPECT_EQ(text, "CAP('new york',seattle)");
+  EXPECT_EQ(length, 23);
+  EXPECT_EQ(dim, 2);
+
+  std::vector<char> store(10 * 31, '#');
+  TextTable parts{store.data(), 31, 10};
+  equItemLabel(d, lm.cap, text, length, LABEL_PARTS, parts, dim, 375);
+  EXPECT_EQ(text, "CAP");
+  EXPECT_EQ(length, 3);
+  EXPECT_EQ(parts.view(1), "new york" + std::string(23, ' '));  // no quotes in the parts
+  EXPECT_EQ(parts.view(2), "seattle" + std::string(24, ' '));
+  EXPECT_EQ(parts.view(3), std::string(31, '#'));  // beyond dim: untouched
+
+  varItemLabel(d, lm.ship, text, length, dim, isNew, 375);
+  EXPECT_EQ(text, "X(seattle,'new york')");
+
+  varItemLabel(d, lm.longLabel, text, length, dim, isNew, 375);
+  EXPECT_EQ(text, "Y(" + std::string(60, 'a') + "wx~)");
+  EXPECT_EQ(length, 2 + 63 + 1);
+
+  varItemLabelParts(d, lm.longLabel, text, length, parts, dim, isNew);
+  EXPECT_EQ(parts.view(1), std::string(31, 'a'));
+}
+
+TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
+  LabelModel lm;
+  RunFixture fx;
+  fx.start(lm.b.build());
+  std::string text;
+  int32_t length = 0, dim = 0, isNew = 0;
+  varItemLabel(runState.dictionary, lm.wide, text, length, dim, isNew, 375);
+  ASSERT_EQ(text.size(), 375u);
+  EXPECT_EQ(length, 375);
+  EXPECT_EQ(dim, 10);
+  // WIDE( then five whole labels of 65 characters with their quotes and commas.
+  const std::string head = "WIDE('" + std::string(63, 'p') + "','" + std::string(63, 'q') + "',";
+  EXPECT_EQ(text.substr(0, head.size()), head);
+  EXPECT_EQ(text.back(), '~');
+  EXPECT_EQ(text.substr(370, 4), "uuuu");
+
+  // A small capacity bounds the text as well.
+  varItemLabel(runState.dictionary, lm.ship, text, length, dim, isNew, 6);
+  EXPECT_EQ(text, "X(sea~");
+}
+
+TEST(ItemLabels, NewSymbolFollowsTheLastColumnNamed) {
+  LabelModel lm;
+  RunFixture fx;
+  fx.start(lm.b.build());
+  ovdHandle d = runState.dictionary;
+  std::vector<char> store(10 * 31, ' ');
+  TextTable parts{store.data(), 31, 10};
+  std::string text;
+  int32_t length = 0, dim = 0, isNew = 0;
+  varItemLabelParts(d, lm.ship, text, length, parts, dim, isNew);
+  EXPECT_EQ(isNew, -1);
+  varItemLabelParts(d, lm.ship, text, length, parts, dim, isNew);
+  EXPECT_EQ(isNew, 0);
+  varItemLabel(d, lm.ship + 1, text, length, dim, isNew, 375);  // same symbol X
+  EXPECT_EQ(isNew, 0);
+  varItemLabel(d, lm.longLabel, text, length, dim, isNew, 375);
+  EXPECT_EQ(isNew, -1);
+  EXPECT_EQ(varItemSymbol(d, lm.longLabel, isNew), runState.lastColSymbol);
+  EXPECT_EQ(isNew, 0);
+}
+
+}  // namespace
