@@ -1,0 +1,633 @@
+#include "pictures/blockpic.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/analysis.h"
+#include "model/blocks.h"
+#include "pictures/cells.h"
+#include "run/notation.h"
+#include "run/run_state.h"
+
+namespace {
+
+// Variable type letters by typeCode 1..9 of blockColBoundTable.
+constexpr std::string_view kVarTypeLetters = "+-ubissss";
+
+char varTypeLetter(int32_t typeCode) {
+  return typeCode >= 1 && typeCode <= 9 ? kVarTypeLetters[static_cast<size_t>(typeCode - 1)]
+                                        : ' ';
+}
+
+// The 3-character class of a variable block by its typeCode.
+const char* varTypeCode(int32_t typeCode) {
+  return typeCode >= 1 && typeCode <= 10 ? kVarTypeCodes[static_cast<size_t>(typeCode - 1)]
+                                         : "   ";
+}
+
+// The middle letter of the row type's code: E, G, L, N.
+char rowTypeLetter(int32_t rowType) {
+  return rowType >= 0 && rowType <= 3 ? kEquTypeCodes[static_cast<size_t>(rowType)][1] : ' ';
+}
+
+std::string_view trimmedName(std::string_view name) {
+  const size_t end = name.find_last_not_of(' ');
+  return end == std::string_view::npos ? std::string_view{} : name.substr(0, end + 1);
+}
+
+// Writes a table line: the template's leading values, then cells 1..lastCell of one plane,
+// each as a value of one character.
+void writeCells(std::string_view tmpl, std::initializer_list<FmtValue> lead,
+                const CellLine& line, int32_t plane, int32_t lastCell) {
+  std::vector<FmtValue> values(lead);
+  lastCell = std::clamp(lastCell, 0, line.width);
+  const auto& cells = plane == 2 ? line.plane2 : line.plane1;
+  values.reserve(values.size() + static_cast<size_t>(lastCell));
+  for (int32_t c = 1; c <= lastCell; ++c) {
+    values.emplace_back(std::string_view(&cells[static_cast<size_t>(c - 1)], 1));
+  }
+  writeLine(runState.statusChannel, tmpl, values);
+}
+
+void writeRule(const std::string& dashes, int32_t count) {
+  count = std::clamp(count, 0, static_cast<int32_t>(dashes.size()));
+  writeLine(runState.statusChannel, "(1X,254A)",
+            {std::string_view(dashes).substr(0, static_cast<size_t>(count))});
+}
+
+// The 10 heading lines of a strip: the letter of line r of each column in its cell.
+// `cellOf(c, k)` gives the letter's cell; `bar(c, k)` the cell of a '|' or 0.
+template <class CellOf, class Bar>
+void writeHeading(std::string_view tmpl, TextTable alt, int32_t first, int32_t last,
+                  int32_t W, int32_t lastCell, CellOf cellOf, Bar bar) {
+  CellLine line;
+  for (int32_t r = 1; r <= 10; ++r) {
+    cellLineClear(line, W);
+    for (int32_t c = first; c <= last; ++c) {
+      const int32_t k = c - first;
+      cellPut(line, 1, cellOf(c, k), alt.at(c)[r - 1]);
+      const int32_t b = bar(c, k);
+      if (b > 0) cellPut(line, 1, b, '|');
+    }
+    writeCells(tmpl, {}, line, 1, lastCell);
+  }
+}
+
+void stopAtBlockCapacity(bool variables, int32_t limit) {
+  Channel& status = runState.statusChannel;
+  const char* tmpl =
+      variables ? "('  Exceeded maximum variable blocks which is',I4,/,"
+                  "' Expand or drop VARBLOCK option in MODRAKE.OPT')"
+                : "('  Exceeded maximum equation blocks which is',I4,/,"
+                  "' Expand or drop EQUBLOCK option in MODRAKE.OPT')";
+  writeLine(status, tmpl, {limit});
+  writeLine(runState.logChannel, tmpl, {limit});
+  if (variables) writeFree(status);
+  writeLine(status, "(A2)", {"=2"});
+  stopRun(77);
+}
+
+}  // namespace
+
+double nextBlockRhsStatus(double status, double r) {
+  const int32_t s = static_cast<int32_t>(status);
+  if (r > 0.0) {
+    switch (s) {
+      case 99: case 2: return 2.0;
+      case 1: case 0: return 1.0;
+      default: return RHS_MIXED;
+    }
+  }
+  if (r < 0.0) {
+    switch (s) {
+      case 99: case -2: return -2.0;
+      case 0: case -1: return -1.0;
+      default: return RHS_MIXED;
+    }
+  }
+  switch (s) {
+    case 99: case 0: return 0.0;
+    case 2: case 1: return 1.0;
+    case -1: case -2: return -1.0;
+    default: return RHS_MIXED;
+  }
+}
+
+int32_t rowTypeSlot(int32_t rowType) {
+  return rowType >= 0 && rowType <= 3 ? rowType + 1 : 1;
+}
+
+int32_t blockTableWidth(int32_t pageWidth) { return std::clamp(pageWidth, 50, 254); }
+
+int32_t blockStripCount(char table, int32_t nC, int32_t W) {
+  switch (table) {
+    case 'A': return (nC + 1) / ((W - 19) / 3) + 1;
+    case 'B': return (nC + 2) / ((W - 19) / 6) + 1;
+    case 'C': return (nC + 2) / ((W - 17) / 8) + 1;
+    default: {
+      const int32_t perStrip = (W - 17) / 10;
+      return perStrip >= nC + 2 ? 1 : (nC + 1) / perStrip + 1;
+    }
+  }
+}
+
+void blockStripColumns(char table, int32_t nC, int32_t W, int32_t strip, int32_t& first,
+                       int32_t& last) {
+  const int32_t strips = blockStripCount(table, nC, W);
+  int32_t perStrip = 0;
+  int32_t columns = 0;   // columns of the table
+  int32_t keepWith = 0;  // a strip may not end on this column (the one-less rule)
+  switch (table) {
+    case 'A': perStrip = (W - 19) / 3; columns = nC + 1; keepWith = nC + 1; break;
+    case 'B': perStrip = (W - 19) / 6; columns = nC + 3; keepWith = nC + 2; break;
+    case 'C': perStrip = (W - 17) / 8; columns = nC + 3; keepWith = nC + 2; break;
+    default: perStrip = (W - 17) / 10; columns = nC + 2; keepWith = 0; break;
+  }
+  const int32_t start = (strip - 1) * perStrip;
+  if (strip < strips) {
+    first = start + 1;
+    last = start + perStrip;
+    if (last == keepWith) --last;
+  } else {
+    first = keepWith > 0 ? std::min(start + 1, keepWith) : start + 1;
+    last = columns;
+  }
+}
+
+void buildVerticalHeading(TextTable colBlockName, TextTable colBlockNameAlt,
+                          int32_t columns) {
+  for (int32_t c = 1; c <= columns; ++c) {
+    const std::string_view name = trimmedName(colBlockName.view(c));
+    const int32_t shown = std::min(static_cast<int32_t>(name.size()), 10);
+    char* lines = colBlockNameAlt.at(c);
+    for (int32_t r = 1; r <= 10; ++r) {
+      const int32_t at = shown - 10 + r;
+      lines[r - 1] = at >= 1 ? name[static_cast<size_t>(at - 1)] : ' ';
+    }
+  }
+}
+
+void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
+                           TextTable rowBlockName, TextTable colBlockNameAlt,
+                           Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+                           Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType) {
+  Channel& status = runState.statusChannel;
+  const int32_t W = blockTableWidth(runState.pageWidth);
+  writeLine(status, "(1X,/,1X,/,1X,/,1X)");
+  buildVerticalHeading(colBlockName, colBlockNameAlt, nC + 1);
+  const std::string dashes(static_cast<size_t>(std::min(W, 254)), '-');
+  const int32_t rhs = nC + 1;
+  auto cellOf = [&](int32_t c, int32_t k) { return c > nC ? 3 * k + 9 : 3 * k + 3; };
+
+  const int32_t strips = blockStripCount('A', nC, W);
+  CellLine line;
+  for (int32_t s = 1; s <= strips; ++s) {
+    int32_t first = 0, last = 0;
+    blockStripColumns('A', nC, W, s, first, last);
+    const int32_t lastCell = cellOf(last, last - first);
+    writeLine(status,
+              s == 1 ? "(1X,/,1X,/,'### A. Aggregate Block Picture -- Strip',I4,/,1X,/,1X)"
+                     : "(1X,/,1X,/,'   A. Aggregate Block Picture-- Strip',I4,/,1X,/,1X)",
+              {s});
+    writeHeading("(14X,'|',254A1)", colBlockNameAlt, first, last, W, lastCell, cellOf,
+                 [&](int32_t c, int32_t k) { return c == rhs && c != first ? 3 * k + 3 : 0; });
+    writeRule(dashes, 3 * (last - first) + 22);
+    for (int32_t e = 1; e <= nR; ++e) {
+      cellLineClear(line, W);
+      for (int32_t c = first; c <= last; ++c) {
+        const int32_t k = c - first;
+        const bool pos = blockPairCount(e, c) >= 1;
+        const bool neg = blockPairCountB(e, c) >= 1;
+        char code = pos ? (neg ? 'm' : '+') : (neg ? '-' : ' ');
+        if (c == rhs) {
+          if (code == ' ') code = '0';
+          if (c != first) cellPut(line, 1, 3 * k + 3, '|');
+          cellPut(line, 1, 3 * k + 6, rowTypeLetter(blockRowType[e]));
+        }
+        cellPut(line, 1, cellOf(c, k), code);
+      }
+      writeCells("(1X,A10,3X,'|',254A1)", {rowBlockName.view(e)}, line, 1, lastCell + 3);
+    }
+    writeRule(dashes, 3 * (last - first) + 22);
+    std::vector<std::string> letters;
+    for (int32_t c = first; c <= std::min(last, nC); ++c) {
+      letters.emplace_back(1, varTypeLetter(blockColBoundTable(c, 5)));
+    }
+    std::vector<FmtValue> values(letters.begin(), letters.end());
+    writeLine(status, "(' Variable Typ |',127(1X,A2))", values);
+  }
+}
+
+void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+                      TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
+                      Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
+                      Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
+                      TextTable colBlockNameAlt) {
+  Table2<int32_t>& P = blockPairCount;
+  Table2<int32_t>& Q = blockPairCountB;
+  Channel& status = runState.statusChannel;
+  const int32_t W = blockTableWidth(runState.pageWidth);
+  const int32_t rhs = nC + 1;
+  const int32_t total = nR + 1;
+
+  buildVerticalHeading(colBlockName, colBlockNameAlt, nC + 3);
+  for (int32_t c = 1; c <= nC; ++c) {
+    for (int32_t e = 1; e <= nR; ++e) {
+      P(e, nC + 2) += P(e, c);
+      Q(e, nC + 2) += Q(e, c);
+      P(total, c) += P(e, c);
+      Q(total, c) += Q(e, c);
+    }
+  }
+  for (int32_t c = nC + 1; c <= nC + 2; ++c) {
+    for (int32_t e = 1; e <= nR; ++e) {
+      P(total, c) += P(e, c);
+      Q(total, c) += Q(e, c);
+    }
+  }
+  for (int32_t e = 1; e <= nR; ++e) P(e, nC + 3) = rowBlockCount[e];
+
+  writeLine(status, "(1X,/,1X,/,1X,/,1X)");
+  const std::string dashes(static_cast<size_t>(std::min(W, 254)), '-');
+  auto posOf = [&](int32_t c, int32_t k) { return c > nC ? 6 * k + 5 : 6 * k + 1; };
+  const int32_t strips = blockStripCount('B', nC, W);
+  CellLine line;
+  for (int32_t s = 1; s <= strips; ++s) {
+    int32_t first = 0, last = 0;
+    blockStripColumns('B', nC, W, s, first, last);
+    const int32_t lastPos = posOf(last, last - first);
+    auto bar = [&](int32_t c, int32_t k) { return c == rhs && c != first ? 6 * k + 2 : 0; };
+    writeLine(status,
+              s == 1 ? "(1X,/,1X,/,'### B. Number of Coefficients by Block --',1X,'Strip',I4,"
+                       "/,1X,/,1X)"
+                     : "(1X,/,1X,/,'   B. Number of Coefficients by Block --',1X,'Strip',I4,"
+                       "/,1X,/,1X)",
+              {s});
+    writeHeading("(14X,'|',254A1)", colBlockNameAlt, first, last, W,
+                 std::min(lastPos + 4, W - 19),
+                 [&](int32_t c, int32_t k) { return posOf(c, k) + 4; }, bar);
+    const int32_t ruleLength = 6 * (last - first) + 25;
+    writeRule(dashes, ruleLength);
+
+    // One pair of lines of row e (nR + 1 for the totals).
+    auto pairLines = [&](int32_t e, FmtValue title) {
+      cellLineClear(line, W);
+      for (int32_t c = first; c <= last; ++c) {
+        const int32_t k = c - first;
+        const int32_t pos = posOf(c, k);
+        if (c == rhs) {
+          if (c != first) {
+            cellPut(line, 1, 6 * k + 2, '|');
+            cellPut(line, 2, 6 * k + 2, '|');
+          }
+          if (e <= nR) cellPut(line, 1, 6 * k + 4, rowTypeLetter(blockRowType[e]));
+        }
+        const bool plain = c == nC + 3 && e <= nR;
+        putCount(line, 1, pos, 6, P(e, c), plain ? 0 : 1);
+        putCount(line, 2, pos, 6, Q(e, c), plain ? 0 : -1);
+      }
+      writeCells("(1X,A10,3X,'|',254A1)", {title}, line, 1, lastPos + 6);
+      writeCells("(1X,A10,3X,'|',254A1)", {""}, line, 2, lastPos + 6);
+    };
+    for (int32_t e = 1; e <= nR; ++e) pairLines(e, rowBlockName.view(e));
+    writeRule(dashes, ruleLength);
+    pairLines(total, rowBlockName.view(total));
+
+    cellLineClear(line, W);
+    for (int32_t c = first; c <= last; ++c) {
+      const int32_t k = c - first;
+      if (c <= nC) putCount(line, 1, posOf(c, k), 6, colBlockCount[c], 0);
+      const int32_t b = bar(c, k);
+      if (b > 0) cellPut(line, 1, b, '|');
+    }
+    writeCells("(1X,A10,3X,'|',254A1)", {"# of  Vars"}, line, 1, lastPos + 6);
+
+    std::vector<FmtValue> codes;
+    for (int32_t c = first; c <= std::min(last, nC); ++c) {
+      codes.emplace_back(varTypeCode(blockColBoundTable(c, 5)));
+    }
+    writeLine(status, "(' Variable Typ |',41(3X,A3))", codes);
+  }
+}
+
+void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+                        TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
+                        Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
+                        Table2<int32_t> blockColBoundTable, TextTable colBlockNameAlt,
+                        Vec1<int32_t> blockRowType) {
+  constexpr double kUpperCap = 1000.0;
+  constexpr double kLowerCap = 0.0010000000474974513;
+  Table2<int32_t>& P = blockPairCount;
+  Table2<int32_t>& Q = blockPairCountB;
+  Channel& status = runState.statusChannel;
+  const int32_t W = blockTableWidth(runState.pageWidth);
+  const int32_t rhs = nC + 1;
+  const int32_t total = nR + 1;
+
+  buildVerticalHeading(colBlockName, colBlockNameAlt, nC + 3);
+  const std::string dashes(254, '-');
+  auto posOf = [&](int32_t c, int32_t k) { return c > nC ? 8 * k + 5 : 8 * k + 1; };
+  auto putAverages = [&](CellLine& line, int32_t pos, double positive, double negative) {
+    putReal(line, 1, pos, 8, positive, 1, 4, kUpperCap, kLowerCap, 1);
+    putReal(line, 2, pos, 8, negative, -1, 4, kUpperCap, kLowerCap, 1);
+  };
+  const int32_t strips = blockStripCount('C', nC, W);
+  CellLine line;
+  for (int32_t s = 1; s <= strips; ++s) {
+    int32_t first = 0, last = 0;
+    blockStripColumns('C', nC, W, s, first, last);
+    const int32_t lastPos = posOf(last, last - first);
+    writeLine(status,
+              s == 1 ? "(1X,/,1X,/,' ### C. Average Number of',1X,"
+                       "'Coefficients by Column Block -- Strip',I4,/,1X,/)"
+                     : "(1X,/,1X,/,'    C. Average Number of',1X,"
+                       "'Coefficients by Column Block -- Strip',I4,/,1X,/)",
+              {s});
+    writeHeading("(12X,'|',254A)", colBlockNameAlt, first, last, W,
+                 std::min(lastPos + 6, W - 17),
+                 [&](int32_t c, int32_t k) { return posOf(c, k) + 6; },
+                 [](int32_t, int32_t) { return 0; });
+    const int32_t ruleLength = 8 * (last - first) + 21 + (last > nC ? 4 : 0);
+    writeRule(dashes, ruleLength);
+
+    const int32_t lastCell = std::min(lastPos + 8, W - 13);
+    for (int32_t e = 1; e <= nR; ++e) {
+      cellLineClear(line, W);
+      for (int32_t c = first; c <= last; ++c) {
+        const int32_t k = c - first;
+        const int32_t pos = posOf(c, k);
+        if (c <= nC) {
+          if (colBlockCount[c] != 0) {
+            putAverages(line, pos, static_cast<double>(P(e, c)) / colBlockCount[c],
+                        static_cast<double>(Q(e, c)) / colBlockCount[c]);
+          }
+        } else if (c == rhs) {
+          if (c != first) {
+            cellPut(line, 1, pos - 3, '|');
+            cellPut(line, 2, pos - 3, '|');
+          }
+          cellPut(line, 1, pos - 1, rowTypeLetter(blockRowType[e]));
+          putAverages(line, pos, P(e, c), Q(e, c));
+        } else if (c == nC + 2) {
+          if (rowBlockCount[e] != 0) {
+            putAverages(line, pos, P(e, c) / rowBlockCount[e], Q(e, c) / rowBlockCount[e]);
+          }
+        } else {
+          putCount(line, 1, pos, 8, P(e, c), 0);
+        }
+      }
+      writeCells("(1X,A10,' |',254A)", {rowBlockName.view(e)}, line, 1, lastCell);
+      writeCells("(11X,' |',254A)", {}, line, 2, lastCell);
+    }
+    writeRule(dashes, ruleLength);
+
+    // Averages of the whole variable blocks.
+    auto bottomPos = [&](int32_t c, int32_t k) { return c == rhs ? 8 * k + 4 : 8 * k + 1; };
+    cellLineClear(line, W);
+    for (int32_t c = first; c <= last; ++c) {
+      const int32_t k = c - first;
+      const int32_t pos = bottomPos(c, k);
+      if (c <= nC && colBlockCount[c] != 0) {
+        putAverages(line, pos, static_cast<double>(P(total, c)) / colBlockCount[c],
+                    static_cast<double>(Q(total, c)) / colBlockCount[c]);
+      }
+      if (c == rhs && c != first) {
+        cellPut(line, 1, pos - 2, '|');
+        cellPut(line, 2, pos - 2, '|');
+      }
+    }
+    const int32_t bottomCell = std::min(bottomPos(last, last - first) + 8, W - 13);
+    writeCells("(1X,A10,' |',254A)", {rowBlockName.view(total)}, line, 1, bottomCell);
+    writeCells("(11X,' |',254A)", {}, line, 2, bottomCell);
+
+    std::vector<FmtValue> sizes;
+    std::vector<FmtValue> codes;
+    for (int32_t c = first; c <= std::min(last, nC); ++c) {
+      sizes.emplace_back(colBlockCount[c]);
+      codes.emplace_back(varTypeCode(blockColBoundTable(c, 5)));
+    }
+    if (first <= nC) {
+      sizes.insert(sizes.begin(), FmtValue("# of  Vars"));
+      writeLine(status, "(1X,A10,' |',I7,34I8)", sizes);
+    }
+    writeLine(status, "('  Var Type  |',4X,A3,34(5X,A3))", codes);
+    writeRule(dashes, ruleLength);
+  }
+}
+
+void printBlockScaling(Table2<double> blockPairMax, Table2<double> blockPairMin,
+                       TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
+                       TextTable colBlockNameAlt) {
+  Table2<double>& X = blockPairMax;
+  Table2<double>& N = blockPairMin;
+  Channel& status = runState.statusChannel;
+  const int32_t W = blockTableWidth(runState.pageWidth);
+  const int32_t total = nR + 1;
+  const int32_t extremes = nC + 2;
+
+  buildVerticalHeading(colBlockName, colBlockNameAlt, nC + 2);
+  const std::string dashes(254, '-');
+  if (nR > 0) {
+    for (int32_t c = 1; c <= nC + 1; ++c) {
+      for (int32_t e = 1; e <= nR; ++e) {
+        const double x = X(e, c);
+        const double n = N(e, c);
+        if (c <= nC) {
+          if (x > X(e, extremes) && x > 0.0) X(e, extremes) = x;
+          if (n < N(e, extremes) && n > 0.0) N(e, extremes) = n;
+        }
+        if (x > X(total, c) && x > 0.0) X(total, c) = x;
+        if (n < N(total, c) && n > 0.0) N(total, c) = n;
+      }
+    }
+  }
+  for (int32_t c = 1; c <= nC + 2; ++c) {
+    for (int32_t e = 1; e <= total; ++e) {
+      if (N(e, c) >= SENTINEL_MIN) N(e, c) = 0.0;
+    }
+  }
+
+  const int32_t strips = blockStripCount('D', nC, W);
+  CellLine line;
+  for (int32_t s = 1; s <= strips; ++s) {
+    int32_t first = 0, last = 0;
+    blockStripColumns('D', nC, W, s, first, last);
+    const int32_t lastPos = 10 * (last - first) + 1;
+    writeLine(status,
+              s == 1 ? "(1X,/,1X,/,'### D. Scaling - Maximum &',1X,"
+                       "'Minimum Coefficients by Block -- Strip',I4,/,1X,/,1X)"
+                     : "(1X,/,1X,/,'   D. Scaling - Maximum &',1X,"
+                       "'Minimum Coefficients by Block -- Strip',I4,/,1X,/,1X)",
+              {s});
+    writeHeading("(11X,'    |',254A)", colBlockNameAlt, first, last, W,
+                 std::min(lastPos + 8, W - 16),
+                 [](int32_t, int32_t k) { return 10 * k + 9; },
+                 [](int32_t, int32_t) { return 0; });
+    const int32_t ruleLength = 10 * (last - first + 1) + 18;
+    writeRule(dashes, ruleLength);
+    const int32_t lastCell = std::min(lastPos + 10, W - 16);
+    auto pairLines = [&](int32_t e, FmtValue title) {
+      cellLineClear(line, W);
+      for (int32_t c = first; c <= last; ++c) {
+        const int32_t pos = 10 * (c - first) + 1;
+        putReal(line, 1, pos, 10, X(e, c), 0, 4, 0.0, 0.0, 0);
+        putReal(line, 2, pos, 10, N(e, c), 0, 4, 0.0, 0.0, 0);
+      }
+      writeCells("(1X,A10,' Max|',254A)", {title}, line, 1, lastCell);
+      writeCells("(1X,10X,' Min|',254A)", {}, line, 2, lastCell);
+    };
+    for (int32_t e = 1; e <= nR; ++e) pairLines(e, rowBlockName.view(e));
+    writeRule(dashes, ruleLength);
+    pairLines(total, "Total Var");
+  }
+  writeLine(status, "(15X,' ')");
+}
+
+void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
+                     int32_t& rowBlockUsed, int32_t icblock, int32_t irblock,
+                     TextTable colBlockName, TextTable rowBlockName,
+                     Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
+                     ovdHandle dictionary, Vec1<int32_t> colBlockOf, Vec1<int32_t> rowBlockOf,
+                     TextTable colBlockNameAlt, Table2<double> blockPairMax,
+                     Table2<double> blockPairMin, Table2<int32_t> blockPairCount,
+                     Table2<int32_t> blockPairCountB, Table3<int32_t> colSignTable,
+                     Table3<int32_t> rowSignTable, Vec1<double> blockRowRhs,
+                     Vec1<int32_t> blockRowType, Table2<int32_t> blockColBoundTable,
+                     Table2<double> rowActivity, Vec1<double> rowScale, Vec1<double> colScale) {
+  RunState& rs = runState;
+  ovmHandle model = rs.model;
+  buildBlockTables(rowCount, colCount, colBlockUsed, rowBlockUsed, icblock, irblock,
+                   colBlockName, rowBlockName, colBlockCount, rowBlockCount, dictionary,
+                   colBlockOf, rowBlockOf);
+  const int32_t nC = colBlockUsed;
+  const int32_t nR = rowBlockUsed;
+  // The tables keep three title columns behind the variable blocks and a total row behind
+  // the equation blocks.
+  if (nC + 3 > icblock || nC + 3 > blockPairCount.cols) {
+    stopAtBlockCapacity(true, std::max(std::min(icblock, blockPairCount.cols) - 3, 0));
+  }
+  if (nR + 1 > irblock || nR + 1 > blockPairCount.rows) {
+    stopAtBlockCapacity(false, std::max(std::min(irblock, blockPairCount.rows) - 1, 0));
+  }
+
+  rowSignTable.fill(0);
+  colSignTable.fill(0);
+  for (int32_t c = 1; c <= blockColBoundTable.rows; ++c) {
+    blockColBoundTable(c, 1) = 0;
+    blockColBoundTable(c, 2) = NO_LOWER;
+    blockColBoundTable(c, 3) = NO_UPPER;
+    blockColBoundTable(c, 4) = 0;
+    blockColBoundTable(c, 5) = 0;
+  }
+  blockPairMax.fill(0.0);
+  blockPairMin.fill(BLOCK_MIN_START);
+  blockPairCount.fill(0);
+  blockPairCountB.fill(0);
+  blockRowType.fill(-1);
+  blockRowRhs.fill(RHS_NONE_YET);
+
+  const int32_t rhs = nC + 1;
+  for (int32_t i = 1; i <= rowCount; ++i) {
+    const int32_t e = rowBlockOf[i];
+    rowScale[i] = rs.useScale != 0 ? ovmGetEquScaleOne(model, i) : 1.0;
+    blockRowType[e] = ovmGetEquTypeOne(model, i);
+    const double r = ovmGetRhsOne(model, i) * rowScale[i];
+    blockRowRhs[e] = nextBlockRhsStatus(blockRowRhs[e], r);
+    const double size = std::fabs(r);
+    if (size > blockPairMax(e, rhs)) blockPairMax(e, rhs) = size;
+    if (size < blockPairMin(e, rhs) && size > 0.0) blockPairMin(e, rhs) = size;
+    if (r > 0.0) ++blockPairCount(e, rhs);
+    if (r < 0.0) ++blockPairCountB(e, rhs);
+  }
+
+  for (int32_t j = 1; j <= colCount; ++j) {
+    const int32_t c = colBlockOf[j];
+    colScale[j] = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
+    double lower = ovmGetVarLowerOne(model, j);
+    if (lower != rs.minusInf) lower *= colScale[j];
+    double upper = ovmGetVarUpperOne(model, j);
+    if (upper != rs.plusInf) upper *= colScale[j];
+    classifyBounds(upper, lower, rs.plusInf, rs.minusInf, c, blockColBoundTable,
+                   ovmGetVarTypeOne(model, j));
+    const int32_t t = std::clamp(blockColBoundTable(c, 4), 1, 3);
+    int32_t cursor = 0;
+    do {
+      double a = 0.0;
+      int32_t i = 0;
+      int32_t nl = 0;
+      ovmGetColJacInfoOne(model, j, cursor, a, i, nl);
+      if (i < 1 || i > rowCount) break;
+      a = a / colScale[j] * rowScale[i];
+      const int32_t e = rowBlockOf[i];
+      if (j == rs.objVar && rs.objRow == 0) rs.objRow = i;
+      const double size = std::fabs(a);
+      if (size > blockPairMax(e, c)) blockPairMax(e, c) = size;
+      if (size < blockPairMin(e, c)) blockPairMin(e, c) = size;
+      if (nl > 0) {
+        ++rowSignTable(e, 1, 3);
+        ++colSignTable(c, 1, 3);
+      }
+      if (a > 0.0) {
+        ++rowSignTable(e, t, 1);
+        ++blockPairCount(e, c);
+        ++colSignTable(c, rowTypeSlot(blockRowType[e]), 1);
+      } else if (a < 0.0) {
+        ++rowSignTable(e, t, 2);
+        ++blockPairCountB(e, c);
+        ++colSignTable(c, rowTypeSlot(blockRowType[e]), 2);
+      }
+    } while (cursor != 0);
+  }
+
+  // The objective row's block turns into the objective cells of every variable block.
+  if (rs.objRow > 0 && rs.objRow <= rowCount) {
+    const int32_t eo = rowBlockOf[rs.objRow];
+    int32_t f = rs.minimizing ? -1 : 1;
+    if (rs.objVar > 0 && rs.objVar <= colCount &&
+        blockPairCount(eo, colBlockOf[rs.objVar]) > 0) {
+      f = -f;
+    }
+    for (int32_t c = 1; c <= nC; ++c) {
+      const int32_t p = blockPairCount(eo, c);
+      const int32_t q = blockPairCountB(eo, c);
+      colSignTable(c, 1, 1) -= p;
+      colSignTable(c, 1, 2) -= q;
+      colSignTable(c, 4, 1) = f >= 1 ? p : q;
+      colSignTable(c, 4, 2) = f >= 1 ? q : p;
+    }
+  }
+
+  colBlockName.set(nC + 2, "Coeff Cnts");
+  colBlockName.set(nC + 3, "# of  Eqns");
+  rowBlockName.set(nR + 1, "Coeff Cnts");
+  printAggregatePicture(nC, nR, colBlockName, rowBlockName, colBlockNameAlt, blockPairCount,
+                        blockPairCountB, blockColBoundTable, blockRowType);
+  printBlockCounts(blockPairCount, blockPairCountB, colBlockName, rowBlockName, nC, nR,
+                   colBlockCount, rowBlockCount, blockColBoundTable, blockRowType,
+                   colBlockNameAlt);
+  colBlockName.set(nC + 2, "Cfs PerEqu");
+  rowBlockName.set(nR + 1, "Cfs PerVar");
+  printAverageCounts(blockPairCount, blockPairCountB, colBlockName, rowBlockName, nC, nR,
+                     colBlockCount, rowBlockCount, blockColBoundTable, colBlockNameAlt,
+                     blockRowType);
+  colBlockName.set(nC + 1, "RHS MaxMin");
+  colBlockName.set(nC + 2, "Equ MaxMin");
+  printBlockScaling(blockPairMax, blockPairMin, colBlockName, rowBlockName, nC, nR,
+                    colBlockNameAlt);
+
+  const int32_t skip =
+      rs.objVar > 0 && rs.objVar <= colCount ? colBlockOf[rs.objVar] : 0;
+  reportVariableFindings(nC, colBlockName, colSignTable, blockColBoundTable, skip, 1,
+                         dictionary);
+  for (int32_t e = 1; e <= rowActivity.rows; ++e) {
+    rowActivity(e, 1) = 0.0;
+    rowActivity(e, 2) = -1.0;
+    rowActivity(e, 3) = 0.0;
+    rowActivity(e, 4) = -1.0;
+  }
+  reportEquationFindings(nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
+                         dictionary, rowActivity);
+}
