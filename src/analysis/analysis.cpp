@@ -633,6 +633,23 @@ void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32
   if (group[kRedundant]) writeLine(rs.logChannel, "(7X,'### Some equations are redundant ')");
 }
 
+void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
+                         Table3<int32_t> colSignTable, Table3<int32_t> rowSignTable,
+                         Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
+                         Vec1<double> blockRowRhs, Table2<double> rowActivity,
+                         int32_t skipBlock, ovdHandle dictionary) {
+  reportVariableFindings(nC, colBlockName, colSignTable, blockColBoundTable, skipBlock, 1,
+                         dictionary);
+  for (int32_t e = 1; e <= rowActivity.rows; ++e) {
+    rowActivity(e, 1) = 0.0;
+    rowActivity(e, 2) = -1.0;
+    rowActivity(e, 3) = 0.0;
+    rowActivity(e, 4) = -1.0;
+  }
+  reportEquationFindings(nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
+                         dictionary, rowActivity);
+}
+
 void runAnalysis() {
   RunState& rs = runState;
   setScaling(rs.scaleRequest >= 0 ? 1 : 0);

@@ -44,6 +44,15 @@ void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32
                             Vec1<int32_t> rowTypes, Vec1<double> rhs, int32_t mode,
                             ovdHandle dictionary, Table2<double> activity);
 
+// The two ladders on block tables (mode 1), as BLOCKPIC and BLOCKLIST end: the variable blocks
+// but `skipBlock` (the objective variable's), then the equation blocks with the activity rules
+// switched off through rowActivity.
+void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
+                         Table3<int32_t> colSignTable, Table3<int32_t> rowSignTable,
+                         Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
+                         Vec1<double> blockRowRhs, Table2<double> rowActivity,
+                         int32_t skipBlock, ovdHandle dictionary);
+
 // Counts a finding of `kind` and, for the first MAX_PROBLEMS_PER_KIND of a kind, writes the
 // item to the analysis scratch file in the request language, with a section word ("variable"
 // or "equation") where the item class changes. The first problem of the run starts the file

@@ -183,14 +183,7 @@ void runBlockList(int32_t icblock, int32_t irblock, int32_t rowCount, int32_t co
 
   const int32_t skip =
       rs.objVar > 0 && rs.objVar <= colCount ? colBlockOf[rs.objVar] : 0;
-  reportVariableFindings(nC, colBlockName, colSignTable, blockColBoundTable, skip, 1,
-                         dictionary);
-  for (int32_t e = 1; e <= rowActivity.rows; ++e) {
-    rowActivity(e, 1) = 0.0;
-    rowActivity(e, 2) = -1.0;
-    rowActivity(e, 3) = 0.0;
-    rowActivity(e, 4) = -1.0;
-  }
-  reportEquationFindings(nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
-                         dictionary, rowActivity);
+  reportBlockFindings(nC, nR, colBlockName, rowBlockName, colSignTable, rowSignTable,
+                      blockColBoundTable, blockRowType, blockRowRhs, rowActivity, skip,
+                      dictionary);
 }
