@@ -1,6 +1,7 @@
 // ANALYSIS on the bundled MathProg models with known flaws, run through orva: the whole
 // report on the status file, the log lines, and the analysis scratch file.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -33,7 +34,7 @@ Lines readLines(const std::filesystem::path& path) {
 OrvaRun runModel(const std::string& model) {
   namespace fs = std::filesystem;
   const fs::path dir = fs::path(SOURCE_DIR) / "examples" / "analysis";
-  const fs::path keep = fs::path(::testing::TempDir()) / ("analysis_models_" + model);
+  const fs::path keep = fs::path(::testing::TempDir()) / ("analysis_models_" + model + "_" + std::to_string(::getpid()));
   fs::remove_all(keep);
   const std::string command = std::string(ORVA_BIN) + " '" + (dir / (model + ".mod")).string() +
                               "' --requests '" + (dir / (model + ".mrk")).string() +

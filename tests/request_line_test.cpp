@@ -1,5 +1,6 @@
 // Lines of the request file: reading them, and the normal form in which they are compared.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -114,10 +115,10 @@ TEST_F(RequestLine, LongLineIsCutToItsLength) {
 struct RequestFile : ::testing::Test {
   std::filesystem::path path;
   void SetUp() override {
+    // One file per process and test: ctest runs tests side by side.
     path = std::filesystem::temp_directory_path() /
-           ("modrake_request_line_" + std::to_string(::testing::UnitTest::GetInstance()
-                                                         ->random_seed()) +
-            ".txt");
+           ("modrake_request_line_" + std::to_string(::getpid()) + "_" +
+            ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt");
   }
   void TearDown() override { std::filesystem::remove(path); }
   std::FILE* withText(const std::string& text) {

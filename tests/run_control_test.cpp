@@ -1,5 +1,6 @@
 // The run's file names and the eight records of the scratch control file.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -94,7 +95,11 @@ TEST(ControlRecords, PathsJoinTrimmedPiecesIntoAtMost375Characters) {
 }
 
 struct ControlFile : ::testing::Test {
-  std::filesystem::path path = std::filesystem::temp_directory_path() / "modrake_control_test.dat";
+  // One file per process and test: ctest runs tests side by side.
+  std::filesystem::path path =
+      std::filesystem::temp_directory_path() /
+      ("modrake_control_" + std::to_string(::getpid()) + "_" +
+       ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".dat");
   RunState state;
   std::string error;
   void TearDown() override { std::filesystem::remove(path); }
