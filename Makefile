@@ -1,5 +1,6 @@
 # Two entry points for a fresh machine: `make demo` and `make test`.
 JOBS ?= $(shell nproc)
+MAKEFLAGS += --no-print-directory
 BUILD ?= build
 SAN_BUILD ?= build-san
 
