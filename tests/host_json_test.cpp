@@ -77,10 +77,25 @@ TEST(HostJson, MalformedInstancesAreRefusedWithTheirLine) {
       {"{\"rows\": [\n  {\"name\": \"r\" \"type\": \"L\"}]}", 2,
        "not valid JSON: syntax error while parsing object - unexpected string literal; "
        "expected '}'"},
+      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"}],\n\"cols\": [{\"name\": \"x\",\n"
+       "\"entries\": [[1, 1e400]]}]}",
+       3, "not valid JSON: number overflow parsing '1e400'"},
+      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\",\n \"rhs\": -2e999}]}", 2,
+       "not valid JSON: number overflow parsing '-2e999'"},
   };
   for (const JsonCase& c : cases)
     EXPECT_EQ(refusal(scratch, c.text),
               ":" + std::to_string(c.line) + ": " + c.message) << c.text;
+}
+
+// The line of a refusal is found by walking the text; a value nested 300000 deep on the way
+// to it is walked over without exhausting the stack.
+TEST(HostJson, RefusalBehindDeeplyNestedValueFindsItsLine) {
+  HostScratch scratch;
+  const std::size_t depth = 300000;
+  const std::string text = "{\"comment\": [\"]\", {\"b\": \"[{\"},\n" + std::string(depth, '[') +
+                           std::string(depth, ']') + "],\n \"colour\": 1}";
+  EXPECT_EQ(refusal(scratch, text), ":3: unknown field \"colour\"");
 }
 
 TEST(HostJson, WhatAnInstanceHolds) {

@@ -50,6 +50,8 @@ struct LineScanner {
     ++pos;
     return out;
   }
+  // Arrays and objects are passed over by counting their brackets, without recursion, so that
+  // no depth of nesting can exhaust the stack.
   void skipValue() {
     blanks();
     if (pos >= text.size()) return;
@@ -57,24 +59,20 @@ struct LineScanner {
     if (c == '"') {
       string();
     } else if (c == '{' || c == '[') {
-      const char close = c == '{' ? '}' : ']';
-      ++pos;
-      blanks();
-      if (pos < text.size() && text[pos] == close) {
-        ++pos;
-        return;
-      }
+      std::size_t depth = 0;
       while (pos < text.size()) {
-        if (c == '{') {
-          blanks();
+        const char d = text[pos];
+        if (d == '"') {
           string();
-          blanks();
-          ++pos;  // ':'
+          continue;
         }
-        skipValue();
-        blanks();
-        if (pos >= text.size()) return;
-        if (text[pos++] == close) return;
+        if (d == '\n') ++line;
+        ++pos;
+        if (d == '{' || d == '[') {
+          ++depth;
+        } else if ((d == '}' || d == ']') && --depth == 0) {
+          return;
+        }
       }
     } else {
       while (pos < text.size() && text[pos] != ',' && text[pos] != '}' && text[pos] != ']' &&
@@ -212,6 +210,20 @@ std::string baseName(const std::string& path) {
   return base;
 }
 
+// The document builder of the parser, keeping where and why parsing failed instead of throwing.
+// A syntax error and a number too large for a double (1e400) come here alike, with the byte.
+struct ParseErrorKeeper : nlohmann::detail::json_sax_dom_parser<json> {
+  std::size_t byte = 0;
+  std::string what;
+  explicit ParseErrorKeeper(json& document) : json_sax_dom_parser(document, false) {}
+  template <class Exception>
+  bool parse_error(std::size_t position, const std::string& token, const Exception& ex) {
+    byte = position;
+    what = ex.what();
+    return json_sax_dom_parser::parse_error(position, token, ex);
+  }
+};
+
 }  // namespace
 
 bool readJsonModel(const std::string& path, HostInstance& inst, std::string& error) {
@@ -224,16 +236,19 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
   buffer << in.rdbuf();
   const std::string text = buffer.str();
   json doc;
-  try {
-    doc = json::parse(text);
-  } catch (const json::parse_error& e) {
-    const std::size_t byte = std::min<std::size_t>(e.byte, text.size());
+  ParseErrorKeeper parser(doc);
+  json::sax_parse(text, &parser);
+  if (parser.is_errored()) {
+    const std::size_t byte = std::min<std::size_t>(parser.byte, text.size());
     int line = 1;
     for (std::size_t k = 0; k + 1 < byte; ++k)
       if (text[k] == '\n') ++line;
-    std::string what = e.what();
-    if (auto c = what.find("column "); c != std::string::npos)
+    std::string what = parser.what;
+    if (auto c = what.find("column "); c != std::string::npos) {
       if (auto colon = what.find(": ", c); colon != std::string::npos) what.erase(0, colon + 2);
+    } else if (auto head = what.find("] "); what.starts_with("[") && head != std::string::npos) {
+      what.erase(0, head + 2);
+    }
     error = path + ":" + std::to_string(line) + ": not valid JSON: " + what;
     return false;
   }
