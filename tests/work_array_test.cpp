@@ -369,6 +369,27 @@ TEST(WorkArrayPartition, EmptySelectionListsStillTakeAWord) {
   EXPECT_EQ(q.regions.rowScale - q.regions.matchColFlag, 1);
 }
 
+// The control file may give request capacities down to -9999: such a list is sized as an empty
+// one, and no region starts before the head of the array or before the region ahead of it.
+TEST(WorkArrayPartition, NegativeRequestCapacitiesSizeAsEmptyLists) {
+  PartitionSizes negative = oddSizes();
+  negative.colSelCapacity = -9999;
+  negative.rowSelCapacity = -5;
+  PartitionSizes empty = oddSizes();
+  empty.colSelCapacity = 0;
+  empty.rowSelCapacity = 0;
+  for (int32_t phase : {2, 3, 7}) {
+    const Partition p = partition(phase, negative);
+    const Partition q = partition(phase, empty);
+    EXPECT_EQ(p.status, 0) << "phase " << phase;
+    EXPECT_EQ(p.total, q.total) << "phase " << phase;
+    for (const Expected& e : tableOf(phase, empty)) {
+      EXPECT_EQ(p.regions.*(e.field), q.regions.*(e.field)) << "phase " << phase << " " << e.name;
+    }
+  }
+  EXPECT_EQ(partition(0, negative).total, partition(0, empty).total);
+}
+
 TEST(WorkArrayPartition, SizingPhaseTakesTheLargestLayout) {
   PartitionSizes picture = oddSizes();  // picText dominates
   picture.rowCount = 5000;

@@ -22,11 +22,14 @@ struct RegionSpec {
   int64_t count;
 };
 
+// A negative count (a request capacity of the control file below 0) sizes as an empty list, so
+// that regions never run backwards over the ones before them.
 int64_t wordsOf(const RegionSpec& r) {
+  const int64_t n = r.count < 0 ? 0 : r.count;
   switch (r.elem) {
-    case Elem::Double: return wordsOfDouble(r.count);
-    case Elem::Int32: return wordsOfInt32(r.count);
-    case Elem::Char: return wordsOfChar(r.count);
+    case Elem::Double: return wordsOfDouble(n);
+    case Elem::Int32: return wordsOfInt32(n);
+    case Elem::Char: return wordsOfChar(n);
   }
   return 0;
 }
