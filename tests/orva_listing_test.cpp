@@ -136,6 +136,10 @@ TEST(OrvaRequests, SolutionWantedByPostoptOrNonopt) {
   EXPECT_TRUE(orvaRequestsNeedSolution("'$NonOpt\n"));
   EXPECT_TRUE(orvaRequestsNeedSolution("POST OPT\n"));  // blanks are dropped before reading
   EXPECT_TRUE(orvaRequestsNeedSolution("THEEND\nPOSTOPT\n"));  // BLOCKPIC first, then read on
+  // In the section of a procedure that reads one, THEEND is a request: the next keyword runs.
+  EXPECT_TRUE(orvaRequestsNeedSolution("DISPLAYCR\nTHEEND\nPOSTOPT\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("PICTURE\nVARIABLES\nx\ntheend\n$NONOPT\n"));
+  EXPECT_TRUE(orvaRequestsNeedSolution("MATCHIT\nTHEEND\nBLOCKPIC\nNONOPT\n"));
 }
 
 TEST(OrvaRequests, NoSolutionWanted) {
@@ -143,6 +147,7 @@ TEST(OrvaRequests, NoSolutionWanted) {
   EXPECT_FALSE(orvaRequestsNeedSolution("ANALYSIS\nBLOCKPIC\nDISPLAYCR\n"));
   EXPECT_FALSE(orvaRequestsNeedSolution("# POSTOPT is for later\n? NONOPT too\n"));
   EXPECT_FALSE(orvaRequestsNeedSolution("BLOCKPIC\nTHEEND\nPOSTOPT\n"));
+  EXPECT_FALSE(orvaRequestsNeedSolution("DISPLAYCR\nANALYSIS\nTHEEND\nNONOPT\n"));
   EXPECT_FALSE(orvaRequestsNeedSolution("DISPLAYCR\nVARIABLES\nship(seattle,*)\n"));
 }
 

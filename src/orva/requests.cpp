@@ -33,9 +33,14 @@ bool orvaRequestsNeedSolution(const std::string& text) {
   static constexpr std::string_view kProcedures[] = {
       "DISPLAYCR", "POSTOPT", "PICTURE", "BLOCKPIC", "ANALYSIS",
       "BLOCKLIST", "MATCHIT", "NONOPT",  "ADVISORY"};
+  // These read the lines of their own section, up to the next procedure keyword: a THEEND
+  // there is one of their requests and ends nothing.
+  static constexpr std::string_view kSectionReaders[] = {"DISPLAYCR", "PICTURE", "MATCHIT",
+                                                         "ADVISORY"};
   std::istringstream in(text);
   std::string raw;
   bool procedureSeen = false;
+  bool inSection = false;
   while (std::getline(in, raw)) {
     std::string line = normalizedLine(raw);
     if (line.empty() || line[0] == '#' || line[0] == '?' || line[0] == ' ') continue;
@@ -46,7 +51,9 @@ bool orvaRequestsNeedSolution(const std::string& text) {
     for (std::string_view p : kProcedures) isProcedure = isProcedure || startsWith(word, p);
     if (isProcedure) {
       procedureSeen = true;
-    } else if (startsWith(line, "THEEND") && procedureSeen) {
+      inSection = false;
+      for (std::string_view p : kSectionReaders) inSection = inSection || startsWith(word, p);
+    } else if (startsWith(line, "THEEND") && procedureSeen && !inSection) {
       return false;
     }
   }
