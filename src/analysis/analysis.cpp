@@ -322,15 +322,10 @@ void buildAnalysisTables(const AnalysisRegions& r) {
   const double objFactor = rs.minimizing ? -1.0 : 1.0;
   int32_t objSign = 0;
   for (int32_t j = 1; j <= n; ++j) {
-    const double scale = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
-    r.colScale[j] = scale;
-    double lower = ovmGetVarLowerOne(model, j);
-    if (lower != rs.minusInf) lower *= scale;
-    double upper = ovmGetVarUpperOne(model, j);
-    if (upper != rs.plusInf) upper *= scale;
-    classifyBounds(upper, lower, rs.plusInf, rs.minusInf, j, r.colBoundTable,
-                   ovmGetVarTypeOne(model, j));
-    const int32_t t = r.colBoundTable(j, 4);
+    double lower = 0.0;
+    double upper = 0.0;
+    const int32_t t = readColumnBounds(model, j, r.colScale, j, r.colBoundTable, lower, upper);
+    const double scale = r.colScale[j];
 
     int32_t cursor = 0;
     do {
@@ -631,6 +626,19 @@ void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32
   }
   if (group[kInfeasible]) writeLine(rs.logChannel, "(7X,'### Some equations are infeasible')");
   if (group[kRedundant]) writeLine(rs.logChannel, "(7X,'### Some equations are redundant ')");
+}
+
+int32_t readColumnBounds(ovmHandle model, int32_t j, Vec1<double> colScale, int32_t index,
+                         Table2<int32_t> boundTable, double& lower, double& upper) {
+  const RunState& rs = runState;
+  colScale[j] = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
+  lower = ovmGetVarLowerOne(model, j);
+  if (lower != rs.minusInf) lower *= colScale[j];
+  upper = ovmGetVarUpperOne(model, j);
+  if (upper != rs.plusInf) upper *= colScale[j];
+  classifyBounds(upper, lower, rs.plusInf, rs.minusInf, index, boundTable,
+                 ovmGetVarTypeOne(model, j));
+  return boundTable(index, 4);
 }
 
 void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,

@@ -33,6 +33,12 @@ void buildAnalysisTables(const AnalysisRegions& regions);
 void classifyBounds(double upper, double lower, double plusInf, double minusInf, int32_t index,
                     Table2<int32_t> table, int32_t hostType);
 
+// Reads column j as every procedure does: its scale factor into colScale[j], and its bounds,
+// multiplied by that factor unless infinite, into lower and upper, classified into row `index`
+// of boundTable (the column itself, or its block). Gives the boundClass that row holds now.
+int32_t readColumnBounds(ovmHandle model, int32_t j, Vec1<double> colScale, int32_t index,
+                         Table2<int32_t> boundTable, double& lower, double& upper);
+
 // The variable ladder over colTotal columns (mode 0) or blocks (mode 1); skipIndex is left out.
 void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32_t> signTable,
                             Table2<int32_t> boundTable, int32_t skipIndex, int32_t mode,

@@ -545,14 +545,9 @@ void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
 
   for (int32_t j = 1; j <= colCount; ++j) {
     const int32_t c = colBlockOf[j];
-    colScale[j] = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
-    double lower = ovmGetVarLowerOne(model, j);
-    if (lower != rs.minusInf) lower *= colScale[j];
-    double upper = ovmGetVarUpperOne(model, j);
-    if (upper != rs.plusInf) upper *= colScale[j];
-    classifyBounds(upper, lower, rs.plusInf, rs.minusInf, c, blockColBoundTable,
-                   ovmGetVarTypeOne(model, j));
-    const int32_t t = std::clamp(blockColBoundTable(c, 4), 1, 3);
+    double lower = 0.0;
+    double upper = 0.0;
+    const int32_t t = readColumnBounds(model, j, colScale, c, blockColBoundTable, lower, upper);
     int32_t cursor = 0;
     do {
       double a = 0.0;
