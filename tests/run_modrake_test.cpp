@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "analysis_messages.h"
 #include "host/host.h"
 
 namespace fs = std::filesystem;
@@ -123,59 +124,11 @@ const Lines kEquationsPass = {
 const Lines kBothPassLog = {"       ### The variables pass all analysis tests",
                             "       ### The equations pass all analysis tests"};
 
-// The explanations of the findings met below, each with the empty line of its leading `/`
-// (kind 17 has none), and the two cautions for nonlinear entries.
-const Lines kKind5 = {"",
-                      " **** ERROR This =L= constr. causes an infeasible model",
-                      "               since the nonnegative variables present",
-                      "                         have only 0 or + coefficients",
-                      "                     the nonpositive variables present",
-                      "                         have only 0 or - coefficents",
-                      "                     the unrestricted variables ",
-                      "                         have only zero coefficients",
-                      "                     and the RHS is negative"};
-const Lines kKind6 = {"",
-                      " **** Warning  This =G= constraint causes all",
-                      "               variables in it to have a zero solution value",
-                      "               since the nonnegative variables present",
-                      "                         have only 0 or - coefficients",
-                      "                     the nonpositive variables present",
-                      "                         have only 0 or + coefficients",
-                      "                     the unrestricted variables ",
-                      "                         have only zero coefficients",
-                      "                     and the RHS is zero."};
-const Lines kKind9 = {"",
-                      " **** ERROR This =E= constraint causes infeasiblity",
-                      "               since the nonnegative variables present",
-                      "                        have only 0 or - coefficients",
-                      "                     the nonpositive variables present",
-                      "                         have only 0 or + coefficients",
-                      "                         have only positive coefficients",
-                      "                     the unrestricted variables ",
-                      "                         have only zero coefficients",
-                      "                     and the RHS is positive"};
-const Lines kKind17 = {" **** Warning  This =L= constraint is redundant ",
-                       "               the variables it contains have bounds that  ",
-                       "               insure it cannot be binding because of",
-                       "                lower bounds on variables with neg coef and",
-                       "                upper bounds on variables with pos coefs"};
-const Lines kKind21 = {"",
-                       "**** WARNING These variables relax constraints they",
-                       "           fall in as they have no objective function coeff",
-                       "           all 0 or + coefficients in the =G= rows ",
-                       "           all 0 or - coefficients in the =L= rows",
-                       "           and no coefficients in the =E= rows"};
-const Lines kKind23 = {"",
-                       " **** Warning  These variables will equal zero ",
-                       "               because they have a zero lower bound ",
-                       "               an undesirable object function coefficient",
-                       "               all 0 or - coefficients in the =G= rows ",
-                       "               all 0 or + coefficients in the =L= rows",
-                       "               and no coefficients in the =E= rows"};
-const Lines kEquationCaution = {"", " **** There are nonlinear terms here, so message ",
-                                "      may only refer to a local phenomena"};
-const Lines kVariableCaution = {"", "**** There are nonlinear terms here, so message ",
-                                "     may only refer to a local phenomena"};
+// The explanations of the findings met below and the two cautions for nonlinear entries, from
+// the table of every explanation that the ANALYSIS tests keep.
+const Lines& explanation(int32_t kind) { return analysis_test::kMessage.at(kind); }
+using analysis_test::kEquationCaution;
+using analysis_test::kVariableCaution;
 const Lines kVariablesHead = {
     " ", "   ----### Analysis of Variables ( nonlinear terms at current point)", " "};
 const Lines kEquationsHead = {
@@ -532,7 +485,7 @@ Lines deep10BlockPicStatus() {
                 kBlankD + cells(31, {{10, "1"}, {20, "1"}}),
                 std::string(16, ' ')};
 
-  return t + kVariablesHead + kKind23 + Lines{variableItem("w")} + kEquationsPass;
+  return t + kVariablesHead + explanation(23) + Lines{variableItem("w")} + kEquationsPass;
 }
 const Lines kDeep10BlockPicLog = {"       ### Cases found where variables will be zero",
                                   "       ### The equations pass all analysis tests"};
@@ -550,9 +503,10 @@ const Lines kDeep10BlockPicLog = {"       ### Cases found where variables will b
 // (kind 21). z is the objective block. cost has a free term; cap has mixed right-hand sides
 // and meets no rule; need (=G=, all zero) holds only - terms: it forces zero (kind 6), with the
 // caution of its nonlinear entry; bal (=E=, positive) holds only - terms: infeasible (kind 9).
-const Lines kFlawsFindings = kVariablesHead + kKind21 + Lines{variableItem("s")} +
-                             kEquationsHead + kKind6 + kEquationCaution +
-                             firstEquationItem("need") + kKind9 + firstEquationItem("bal");
+const Lines kFlawsFindings = kVariablesHead + explanation(21) + Lines{variableItem("s")} +
+                             kEquationsHead + explanation(6) + kEquationCaution +
+                             firstEquationItem("need") + explanation(9) +
+                             firstEquationItem("bal");
 const Lines kFlawsFindingsLog = {"       ### Cases found where variables relax constraints",
                                  "       ### Some equations force zero variables",
                                  "       ### Some equations are infeasible"};
@@ -711,10 +665,11 @@ Lines flawsBlockListStatus() {
 // (rhs -1) holds only + terms: infeasible (kind 5). need(r1) forces zero (kind 6, nonlinear),
 // bal (rhs 4, only -) is infeasible (kind 9). Every problem goes to the scratch file.
 Lines flawsAnalysisStatus() {
-  return kVariablesHead + kKind23 + kVariableCaution + Lines{variableItem("y(r1)")} + kKind21 +
-         Lines{variableItem("s")} + kEquationsHead + kKind17 + firstEquationItem("cap(r1)") +
-         kKind5 + firstEquationItem("cap(r2)") + kKind6 + kEquationCaution +
-         firstEquationItem("need(r1)") + kKind9 + firstEquationItem("bal");
+  return kVariablesHead + explanation(23) + kVariableCaution + Lines{variableItem("y(r1)")} +
+         explanation(21) + Lines{variableItem("s")} + kEquationsHead + explanation(17) +
+         firstEquationItem("cap(r1)") + explanation(5) + firstEquationItem("cap(r2)") +
+         explanation(6) + kEquationCaution + firstEquationItem("need(r1)") + explanation(9) +
+         firstEquationItem("bal");
 }
 const Lines kFlawsAnalysisLog = {"       ### Cases found where variables relax constraints",
                                  "       ### Cases found where variables will be zero",
