@@ -325,15 +325,7 @@ void buildAnalysisTables(const AnalysisRegions& r) {
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(model, j, r.colScale, j, r.colBoundTable, lower, upper);
-    const double scale = r.colScale[j];
-
-    int32_t cursor = 0;
-    do {
-      double value = 0.0;
-      int32_t i = 0, nonlinear = 0;
-      ovmGetColJacInfoOne(model, j, cursor, value, i, nonlinear);
-      if (i < 1 || i > m) break;
-      const double a = value / scale * r.rowScale[i];
+    walkColumn(model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nonlinear) {
       if (nonlinear > 0) {
         r.rowSignTable(i, 1, 3) += 1;
         r.colSignTable(j, 1, 3) += 1;
@@ -352,11 +344,9 @@ void buildAnalysisTables(const AnalysisRegions& r) {
             r.colSignTable(j, 4, 1) = 1;
           }
         }
-        continue;
+        return;
       }
-      // Row types beyond =N= count as =E= rows: they may hold a variable either way.
-      const int32_t rowType = r.anaRowType[i];
-      const int32_t typeSlot = rowType >= 0 && rowType <= 3 ? rowType + 1 : 1;
+      const int32_t typeSlot = rowTypeSlot(r.anaRowType[i]);
       double& minActivity = r.rowActivity(i, 1);
       double& minState = r.rowActivity(i, 2);
       double& maxActivity = r.rowActivity(i, 3);
@@ -378,7 +368,7 @@ void buildAnalysisTables(const AnalysisRegions& r) {
         r.rowSignTable(i, t, 2) += 1;
         r.colSignTable(j, typeSlot, 2) += 1;
       }
-    } while (cursor != 0);
+    });
   }
 
   // Objective turn: keep goodObjective meaning "raising the variable improves the objective"

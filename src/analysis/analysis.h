@@ -33,6 +33,30 @@ void buildAnalysisTables(const AnalysisRegions& regions);
 void classifyBounds(double upper, double lower, double plusInf, double minusInf, int32_t index,
                     Table2<int32_t> table, int32_t hostType);
 
+// The slot of a row type in the middle dimension of colSignTable: 1 =E=, 2 =G=, 3 =L=, 4 =N=.
+// Host row types beyond these count as =E= rows: they may hold a variable either way, and
+// keep it out of every finding.
+inline int32_t rowTypeSlot(int32_t rowType) {
+  return rowType >= 0 && rowType <= 3 ? rowType + 1 : 1;
+}
+
+// Walks the entries of column j through the host, in the host's order, and hands each to
+// visit(row, coefficient, nonlinear) with the coefficient read as every procedure reads it:
+// the host's value / colScale[j] x rowScale[row]. An empty column gives nothing.
+template <class Visit>
+void walkColumn(ovmHandle model, int32_t j, int32_t rowCount, Vec1<double> colScale,
+                Vec1<double> rowScale, Visit&& visit) {
+  int32_t cursor = 0;
+  do {
+    double value = 0.0;
+    int32_t row = 0;
+    int32_t nonlinear = 0;
+    ovmGetColJacInfoOne(model, j, cursor, value, row, nonlinear);
+    if (row < 1 || row > rowCount) return;
+    visit(row, value / colScale[j] * rowScale[row], nonlinear);
+  } while (cursor != 0);
+}
+
 // Reads column j as every procedure does: its scale factor into colScale[j], and its bounds,
 // multiplied by that factor unless infinite, into lower and upper, classified into row `index`
 // of boundTable (the column itself, or its block). Gives the boundClass that row holds now.

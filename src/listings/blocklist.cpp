@@ -87,14 +87,7 @@ void runBlockList(int32_t icblock, int32_t irblock, int32_t rowCount, int32_t co
     double upper = 0.0;
     const int32_t t = readColumnBounds(model, j, colScale, c, blockColBoundTable, lower, upper);
     bool columnNonlinear = false;
-    int32_t cursor = 0;
-    do {
-      double a = 0.0;
-      int32_t i = 0;
-      int32_t nl = 0;
-      ovmGetColJacInfoOne(model, j, cursor, a, i, nl);
-      if (i < 1 || i > rowCount) break;
-      a = a / colScale[j] * rowScale[i];
+    walkColumn(model, j, rowCount, colScale, rowScale, [&](int32_t i, double a, int32_t nl) {
       const int32_t e = rowBlockOf[i];
 
       // Extremes leave out the objective row (variable list) and the objective variable
@@ -140,7 +133,7 @@ void runBlockList(int32_t icblock, int32_t irblock, int32_t rowCount, int32_t co
         ++rowSignTable(e, t, 2);
         ++colSignTable(c, k, 2);
       }
-    } while (cursor != 0);
+    });
   }
 
   if (objTurn < 0) {

@@ -116,10 +116,6 @@ double nextBlockRhsStatus(double status, double r) {
   }
 }
 
-int32_t rowTypeSlot(int32_t rowType) {
-  return rowType >= 0 && rowType <= 3 ? rowType + 1 : 1;
-}
-
 int32_t blockTableWidth(int32_t pageWidth) { return std::clamp(pageWidth, 50, 254); }
 
 int32_t blockStripCount(char table, int32_t nC, int32_t W) {
@@ -548,14 +544,7 @@ void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(model, j, colScale, c, blockColBoundTable, lower, upper);
-    int32_t cursor = 0;
-    do {
-      double a = 0.0;
-      int32_t i = 0;
-      int32_t nl = 0;
-      ovmGetColJacInfoOne(model, j, cursor, a, i, nl);
-      if (i < 1 || i > rowCount) break;
-      a = a / colScale[j] * rowScale[i];
+    walkColumn(model, j, rowCount, colScale, rowScale, [&](int32_t i, double a, int32_t nl) {
       const int32_t e = rowBlockOf[i];
       if (j == rs.objVar && rs.objRow == 0) rs.objRow = i;
       const double size = std::fabs(a);
@@ -574,7 +563,7 @@ void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
         ++blockPairCountB(e, c);
         ++colSignTable(c, rowTypeSlot(blockRowType[e]), 2);
       }
-    } while (cursor != 0);
+    });
   }
 
   // The objective row's block turns into the objective cells of every variable block.

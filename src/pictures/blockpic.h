@@ -22,10 +22,6 @@ inline constexpr double RHS_MIXED = -99.0;
 // and zero, 0 all zero, -1 negative and zero, -2 all negative, -99 both signs, 99 none yet.
 double nextBlockRhsStatus(double status, double r);
 
-// The slot of a row type in the middle dimension of colSignTable: 1 =E=, 2 =G=, 3 =L=, 4 =N=.
-// Host row types beyond these count as =E=, which keeps them out of every finding.
-int32_t rowTypeSlot(int32_t rowType);
-
 // The width the block tables work with: pageWidth held to 50..254.
 int32_t blockTableWidth(int32_t pageWidth);
 
