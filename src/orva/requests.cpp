@@ -1,13 +1,37 @@
 #include "orva/requests.h"
 
+#include <algorithm>
+#include <array>
 #include <sstream>
-#include <string_view>
+
+#include "run/run_state.h"
 
 namespace {
 
-// The line as modrake compares it with its keywords: leading blanks and apostrophes gone,
-// letters in capitals, control characters and blanks dropped up to the first parenthesis.
-std::string normalizedLine(const std::string& raw) {
+// The keywords of modrake's request loop: the nine procedures, their `$` forms in the same
+// order, and THEEND, which ends the requests.
+constexpr std::array<std::string_view, 19> kKeywords = {
+    "DISPLAYCR",  "POSTOPT",  "PICTURE",  "BLOCKPIC",  "ANALYSIS",  "BLOCKLIST",  "MATCHIT",
+    "NONOPT",     "ADVISORY", "$DISPLAYCR", "$POSTOPT", "$PICTURE", "$BLOCKPIC", "$ANALYSIS",
+    "$BLOCKLIST", "$MATCHIT", "$NONOPT",  "$ADVISORY", "THEEND"};
+constexpr size_t kProcedureForms = 18;
+constexpr size_t kProcedures = 9;
+
+// By procedure, DISPLAYCR to ADVISORY: whether it reads a section of its own, and whether it
+// needs a solution.
+constexpr std::array<bool, kProcedures> kReadsSection = {true,  true, true, false, false,
+                                                         false, true, true, true};
+constexpr std::array<bool, kProcedures> kNeedsSolution = {false, true,  false, false, false,
+                                                          false, false, true,  false};
+
+// Most edits that a keyword may be away from a stray line and still be offered for it.
+constexpr int kMostEdits = 2;
+
+// The line as modrake compares it with its keywords: read to MAX_LINE characters, leading
+// blanks and apostrophes gone, letters in capitals, control characters and blanks dropped up
+// to the first parenthesis.
+std::string normalizedLine(std::string_view raw) {
+  raw = raw.substr(0, static_cast<size_t>(MAX_LINE));
   size_t i = 0;
   while (i < raw.size() && (raw[i] == ' ' || raw[i] == '\'')) ++i;
   std::string out;
@@ -23,39 +47,96 @@ std::string normalizedLine(const std::string& raw) {
   return out;
 }
 
-bool startsWith(std::string_view s, std::string_view prefix) {
-  return s.substr(0, prefix.size()) == prefix;
+// The procedure (0..8) whose keyword begins the normalized line, or -1.
+int procedureOf(std::string_view line) {
+  for (size_t k = 0; k < kProcedureForms; ++k) {
+    if (line.starts_with(kKeywords[k])) return static_cast<int>(k % kProcedures);
+  }
+  return -1;
+}
+
+// A stray line as the warning quotes it: control characters as blanks, no blanks around it,
+// at most kQuotedLength characters.
+constexpr size_t kQuotedLength = 60;
+std::string quotedText(std::string_view raw) {
+  const auto blank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+  while (!raw.empty() && blank(raw.front())) raw.remove_prefix(1);
+  while (!raw.empty() && blank(raw.back())) raw.remove_suffix(1);
+  std::string text(raw.substr(0, kQuotedLength));
+  for (char& c : text) c = blank(c) ? ' ' : c;
+  if (raw.size() > kQuotedLength) text += "...";
+  return text;
 }
 
 }  // namespace
 
-bool orvaRequestsNeedSolution(const std::string& text) {
-  static constexpr std::string_view kProcedures[] = {
-      "DISPLAYCR", "POSTOPT", "PICTURE", "BLOCKPIC", "ANALYSIS",
-      "BLOCKLIST", "MATCHIT", "NONOPT",  "ADVISORY"};
-  // These read the lines of their own section, up to the next procedure keyword: a THEEND
-  // there is one of their requests and ends nothing.
-  static constexpr std::string_view kSectionReaders[] = {"DISPLAYCR", "PICTURE", "MATCHIT",
-                                                         "ADVISORY"};
+OrvaRequestScan orvaScanRequests(const std::string& text) {
+  OrvaRequestScan scan;
   std::istringstream in(text);
   std::string raw;
-  bool procedureSeen = false;
+  bool procedureRan = false;
   bool inSection = false;
-  while (std::getline(in, raw)) {
-    std::string line = normalizedLine(raw);
-    if (line.empty() || line[0] == '#' || line[0] == '?' || line[0] == ' ') continue;
-    std::string_view word = line;
-    if (word[0] == '$') word.remove_prefix(1);
-    if (startsWith(word, "POSTOPT") || startsWith(word, "NONOPT")) return true;
-    bool isProcedure = false;
-    for (std::string_view p : kProcedures) isProcedure = isProcedure || startsWith(word, p);
-    if (isProcedure) {
-      procedureSeen = true;
-      inSection = false;
-      for (std::string_view p : kSectionReaders) inSection = inSection || startsWith(word, p);
-    } else if (startsWith(line, "THEEND") && procedureSeen && !inSection) {
-      return false;
+  for (int lineNumber = 1; std::getline(in, raw); ++lineNumber) {
+    const std::string line = normalizedLine(raw);
+    if (line.empty() || line[0] == '#' || line[0] == '?') continue;
+    const int procedure = procedureOf(line);
+    if (procedure >= 0) {
+      procedureRan = true;
+      inSection = kReadsSection[static_cast<size_t>(procedure)];
+      scan.needsSolution = scan.needsSolution || kNeedsSolution[static_cast<size_t>(procedure)];
+      continue;
+    }
+    // Everything else in a section is the procedure's: requests, its words, THEEND.
+    if (inSection || line.starts_with("PW=") || line.starts_with("$PW=")) continue;
+    if (line.starts_with("THEEND")) {
+      if (procedureRan) break;
+      procedureRan = true;  // BLOCKPIC is assumed, and the lines behind are read
+      continue;
+    }
+    const std::string word = line.substr(0, std::min(line.find('('), static_cast<size_t>(NAME_LEN)));
+    scan.strayLines.push_back(
+        {lineNumber, quotedText(raw), std::string(orvaNearestKeyword(word, kKeywords))});
+  }
+  return scan;
+}
+
+std::string_view orvaNearestKeyword(std::string_view word,
+                                    std::span<const std::string_view> keywords) {
+  constexpr size_t kLongest = 32;
+  word = word.substr(0, kLongest - 1);
+  std::string_view best;
+  int bestEdits = kMostEdits + 1;
+  // d[i][j]: edits between the first i letters of the word and the first j of the keyword.
+  std::array<std::array<int, kLongest>, kLongest> d{};
+  for (std::string_view keyword : keywords) {
+    const size_t m = std::min(keyword.size(), kLongest - 1);
+    const size_t n = word.size();
+    for (size_t i = 0; i <= n; ++i) d[i][0] = static_cast<int>(i);
+    for (size_t j = 0; j <= m; ++j) d[0][j] = static_cast<int>(j);
+    for (size_t i = 1; i <= n; ++i) {
+      for (size_t j = 1; j <= m; ++j) {
+        const int change = word[i - 1] == keyword[j - 1] ? 0 : 1;
+        int e = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + change});
+        if (i > 1 && j > 1 && word[i - 1] == keyword[j - 2] && word[i - 2] == keyword[j - 1]) {
+          e = std::min(e, d[i - 2][j - 2] + 1);
+        }
+        d[i][j] = e;
+      }
+    }
+    // The whole keyword against the best beginning of the word.
+    int edits = d[0][m];
+    for (size_t i = 1; i <= n; ++i) edits = std::min(edits, d[i][m]);
+    if (edits < bestEdits) {
+      bestEdits = edits;
+      best = keyword;
     }
   }
-  return false;
+  return best;
+}
+
+std::string orvaStrayLineWarning(const std::string& fileName, const OrvaStrayLine& stray) {
+  std::string message = fileName + ":" + std::to_string(stray.lineNumber) + ": warning: \"" +
+                        stray.text + "\" is no keyword";
+  if (!stray.nearest.empty()) return message + "; did you mean " + stray.nearest + "?";
+  return message + ", comment or PW= line; modrake passes over it (a comment begins with # or ?)";
 }

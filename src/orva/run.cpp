@@ -251,7 +251,16 @@ int orvaMain(const std::vector<std::string>& args) {
     if (!isRegularFile(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
     if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
   }
-  const bool askedByRequests = cmd.solveMode == 0 && orvaRequestsNeedSolution(requestText);
+  // Lines that modrake will pass over as no keyword: told now, and the run goes on.
+  const OrvaRequestScan requestScan = orvaScanRequests(requestText);
+  const std::string requestsName =
+      cmd.requestsPath.empty()
+          ? (fs::path(cmd.modelPath).parent_path() / (inputName + ".mrk")).string()
+          : cmd.requestsPath;
+  for (const OrvaStrayLine& stray : requestScan.strayLines) {
+    std::fprintf(stderr, "orva: %s\n", orvaStrayLineWarning(requestsName, stray).c_str());
+  }
+  const bool askedByRequests = cmd.solveMode == 0 && requestScan.needsSolution;
   const bool solve = !userSolution && (cmd.solveMode == 1 || askedByRequests);
   if (solve) {
     std::string reason = orvaUnsolvableReason(instance);
