@@ -1,5 +1,6 @@
 // The orva command as a user runs it: bad input ends with exit status 2 and a message that
 // names the file and line before modrake starts; good input gives a listing.
+#include <glpk.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -144,17 +146,45 @@ TEST(OrvaCommandBadInput, UnsolvableModelSaysWhatToDo) {
   fs::remove_all(dir);
 }
 
-TEST(OrvaCommand, HelpGoesToStandardOutput) {
+// --help and --version need no model and answer on standard output; the version names the
+// GLPK that the models are read with.
+TEST(OrvaCommand, HelpAndVersionGoToStandardOutput) {
   const fs::path dir = freshDir("help");
   RunResult r = runOrva(dir, {"--help"});
   EXPECT_EQ(r.status, 0);
   EXPECT_EQ(r.out.rfind("usage: orva MODEL [--data FILE]", 0), 0u) << r.out;
   EXPECT_EQ(r.err, "");
+  r = runOrva(dir, {kTransport, "--version"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_TRUE(std::regex_match(r.out, std::regex("orva \\(MODRAKE\\) [0-9]+\\.[0-9]+\n"
+                                                  "GLPK [0-9.]+ \\(.*\\)\n"
+                                                  "nlohmann-json [0-9.]+ \\(.*\\)\n")))
+      << r.out;
+  EXPECT_NE(r.out.find(std::string("GLPK ") + glp_version() + " "), std::string::npos);
+  EXPECT_EQ(r.err, "");
+  EXPECT_FALSE(fs::exists(dir / "transport.lst"));
   fs::remove_all(dir);
 }
 
-// The demo: the request file beside the model, no solve, the listing in the current folder,
-// the scratch folder kept.
+// Lines that modrake cannot match are told before it starts, with the nearest keyword, and
+// the run goes on as modrake runs it.
+TEST(OrvaCommandRun, StrayRequestLinesWarnedFirst) {
+  const fs::path dir = freshDir("stray");
+  std::ofstream(dir / "typo.mrk") << "# with slips\nBLOKPIC\nANALYSIS\nship it all\n";
+  RunResult r = runOrva(dir, {kTransport, "--requests", "typo.mrk"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err,
+            "orva: typo.mrk:2: warning: \"BLOKPIC\" is no keyword; did you mean BLOCKPIC?\n"
+            "orva: typo.mrk:4: warning: \"ship it all\" is no keyword, comment or PW= line; "
+            "modrake passes over it (a comment begins with # or ?)\n"
+            "orva: listing written to transport.lst\n");
+  EXPECT_NE(r.out.find(" CANT MATCH KEYWORD BLOKPIC "), std::string::npos) << r.out;
+  EXPECT_NE(readFile(dir / "transport.lst").find(" #### MODRAKE ANALYSIS\n"), std::string::npos);
+  fs::remove_all(dir);
+}
+
+// The transport model: the request file beside the model, no solve, the listing in the
+// current folder, which orva names, the scratch folder kept.
 TEST(OrvaCommandRun, TransportDemoListing) {
   const fs::path dir = freshDir("demo");
   const fs::path scratch = dir / "scratch";
@@ -203,6 +233,7 @@ TEST(OrvaCommandRun, TransportDemoListing) {
   EXPECT_NE(readFile(dir / "transport.lst").find("Transportation model: its structure"),
             std::string::npos);
   EXPECT_NE(r.out.find("MODRAKE All Done"), std::string::npos);
+  EXPECT_EQ(r.err, "orva: listing written to transport.lst\n");
   fs::remove_all(dir);
 }
 
@@ -229,6 +260,10 @@ TEST(OrvaCommandRun, PostoptRequestSolvesFirst) {
   EXPECT_NE(r.out.find("\n Solve status     1  normal completion\n Model status     1  optimal\n"),
             std::string::npos);
   EXPECT_FALSE(fs::exists(dir / "small.lst"));
+  // The log goes to standard error, so that standard output is the listing alone.
+  EXPECT_EQ(r.out.find("MODRAKE All Done"), std::string::npos);
+  EXPECT_NE(r.err.find("\n MODRAKE All Done\n"), std::string::npos) << r.err;
+  EXPECT_EQ(r.err.find("listing written"), std::string::npos);
   fs::remove_all(dir);
 }
 

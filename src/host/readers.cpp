@@ -1,4 +1,7 @@
+#include <glpk.h>
+
 #include <cctype>
+#include <nlohmann/json_fwd.hpp>
 
 #include "host/readers_internal.h"
 
@@ -47,6 +50,13 @@ const char* modelFormatName(ModelFormat format) {
   for (const FormatName& f : kFormats)
     if (f.format == format) return f.word;
   return "unknown";
+}
+
+std::string modelReaderVersions() {
+  return std::string("GLPK ") + glp_version() + " (MathProg, MPS and LP models, and the solve)\n" +
+         "nlohmann-json " + std::to_string(NLOHMANN_JSON_VERSION_MAJOR) + "." +
+         std::to_string(NLOHMANN_JSON_VERSION_MINOR) + "." +
+         std::to_string(NLOHMANN_JSON_VERSION_PATCH) + " (native instances, .json)\n";
 }
 
 bool readModel(const ModelSource& source, HostInstance& instance, std::string& error) {

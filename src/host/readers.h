@@ -16,6 +16,9 @@ bool parseModelFormat(const std::string& word, ModelFormat& format);
 bool formatFromExtension(const std::string& path, ModelFormat& format);
 const char* modelFormatName(ModelFormat format);
 
+// The libraries that models are read with, one line each with its version and what it reads.
+std::string modelReaderVersions();
+
 struct ModelSource {
   std::string path;
   ModelFormat format = ModelFormat::Json;

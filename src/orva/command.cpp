@@ -29,6 +29,7 @@ const char* orvaUsage() {
          "            [--requests FILE] [--options FILE] [--page-width N]\n"
          "            [--solve | --no-solve] [--solution FILE] [--time-limit SECONDS]\n"
          "            [--scale auto] [--listing FILE|-] [--keep-scratch DIR]\n"
+         "       orva --help | --version\n"
          "\n"
          "Reads MODEL, solves it with GLPK when asked (by default when the request file\n"
          "names POSTOPT or NONOPT), runs modrake on it with the request file MODEL.mrk\n"
@@ -46,6 +47,10 @@ bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& com
     std::string arg = args[k];
     if (arg == "--help" || arg == "-h") {
       command.help = true;
+      continue;
+    }
+    if (arg == "--version") {
+      command.version = true;
       continue;
     }
     if (arg == "--solve") {
@@ -131,7 +136,7 @@ bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& com
       return false;
     }
   }
-  if (command.help) return true;
+  if (command.help || command.version) return true;
   if (solveSeen && noSolveSeen) {
     error = "--solve and --no-solve exclude each other";
     return false;

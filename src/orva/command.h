@@ -18,6 +18,7 @@ struct OrvaCommand {
   std::string listingPath;     // --listing, empty: <input>.lst here, "-": standard output
   std::string keepScratchDir;  // --keep-scratch
   bool help = false;
+  bool version = false;         // --version
 };
 
 inline constexpr int kOrvaPageWidthMin = 50;

@@ -102,9 +102,11 @@ bool copyFile(const std::string& from, const std::string& to, std::string& error
   return true;
 }
 
-// Starts modrake with the control file, its standard output on ours, and waits for it.
-// Returns its exit status, or -1 with `error`.
-int runModrake(const std::string& modrake, const std::string& controlFile, std::string& error) {
+// Starts modrake with the control file, its standard output (the log) on ours, or on our
+// standard error when `logToStderr`, and waits for it. Returns its exit status, or -1 with
+// `error`.
+int runModrake(const std::string& modrake, const std::string& controlFile, bool logToStderr,
+               std::string& error) {
   std::fflush(stdout);
   std::fflush(stderr);
   std::vector<char> prog(modrake.begin(), modrake.end());
@@ -126,8 +128,12 @@ int runModrake(const std::string& modrake, const std::string& controlFile, std::
   sigemptyset(&ignore.sa_mask);
   sigaction(SIGINT, &ignore, &oldInt);
   sigaction(SIGTERM, &ignore, &oldTerm);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  if (logToStderr) posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
   pid_t pid = 0;
-  int rc = posix_spawn(&pid, modrake.c_str(), nullptr, &attr, argv, environ);
+  int rc = posix_spawn(&pid, modrake.c_str(), &actions, &attr, argv, environ);
+  posix_spawn_file_actions_destroy(&actions);
   posix_spawnattr_destroy(&attr);
   int status = 0;
   bool waited = rc == 0;
@@ -193,6 +199,10 @@ int orvaMain(const std::vector<std::string>& args) {
   }
   if (cmd.help) {
     std::fputs(orvaUsage(), stdout);
+    return 0;
+  }
+  if (cmd.version) {
+    std::printf("orva (MODRAKE) %s\n%s", MODRAKE_VERSION, modelReaderVersions().c_str());
     return 0;
   }
 
@@ -339,13 +349,15 @@ int orvaMain(const std::vector<std::string>& args) {
   if (!writeHostControlFile(controlFile, orvaHostOptions(files), error)) return fail(error);
   if (!orvaWriteControlRecords(scratch.dir + "modrake." + ext, options, error)) return fail(error);
 
-  const int status = runModrake(modrake, controlFile, error);
+  // With the listing on standard output, the log goes to standard error.
+  const bool listingToStdout = cmd.listingPath == "-";
+  const int status = runModrake(modrake, controlFile, listingToStdout, error);
   if (status < 0) return fail(error);
 
   // The listing.
   std::FILE* out = stdout;
   std::string listingPath = cmd.listingPath.empty() ? inputName + ".lst" : cmd.listingPath;
-  if (listingPath != "-") {
+  if (!listingToStdout) {
     out = std::fopen(listingPath.c_str(), "w");
     if (out == nullptr) {
       return fail(listingPath + ": cannot write the listing: " + std::strerror(errno));
@@ -363,5 +375,6 @@ int orvaMain(const std::vector<std::string>& args) {
     return fail(listingPath + ": the listing could not be written whole; the status file " +
                 "stays in " + scratch.dir);
   }
+  if (!listingToStdout) std::fprintf(stderr, "orva: listing written to %s\n", listingPath.c_str());
   return status;
 }
