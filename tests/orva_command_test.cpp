@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -146,8 +145,7 @@ TEST(OrvaCommandBadInput, UnsolvableModelSaysWhatToDo) {
   fs::remove_all(dir);
 }
 
-// --help and --version need no model and answer on standard output; the version names the
-// GLPK that the models are read with.
+// --help and --version need no model and answer on standard output.
 TEST(OrvaCommand, HelpAndVersionGoToStandardOutput) {
   const fs::path dir = freshDir("help");
   RunResult r = runOrva(dir, {"--help"});
@@ -156,30 +154,9 @@ TEST(OrvaCommand, HelpAndVersionGoToStandardOutput) {
   EXPECT_EQ(r.err, "");
   r = runOrva(dir, {kTransport, "--version"});
   EXPECT_EQ(r.status, 0);
-  EXPECT_TRUE(std::regex_match(r.out, std::regex("orva \\(MODRAKE\\) [0-9]+\\.[0-9]+\n"
-                                                  "GLPK [0-9.]+ \\(.*\\)\n"
-                                                  "nlohmann-json [0-9.]+ \\(.*\\)\n")))
-      << r.out;
-  EXPECT_NE(r.out.find(std::string("GLPK ") + glp_version() + " "), std::string::npos);
+  EXPECT_EQ(r.out.rfind("orva (MODRAKE) ", 0), 0u) << r.out;
+  EXPECT_NE(r.out.find(std::string("\nGLPK ") + glp_version() + " ("), std::string::npos);
   EXPECT_EQ(r.err, "");
-  EXPECT_FALSE(fs::exists(dir / "transport.lst"));
-  fs::remove_all(dir);
-}
-
-// Lines that modrake cannot match are told before it starts, with the nearest keyword, and
-// the run goes on as modrake runs it.
-TEST(OrvaCommandRun, StrayRequestLinesWarnedFirst) {
-  const fs::path dir = freshDir("stray");
-  std::ofstream(dir / "typo.mrk") << "# with slips\nBLOKPIC\nANALYSIS\nship it all\n";
-  RunResult r = runOrva(dir, {kTransport, "--requests", "typo.mrk"});
-  EXPECT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.err,
-            "orva: typo.mrk:2: warning: \"BLOKPIC\" is no keyword; did you mean BLOCKPIC?\n"
-            "orva: typo.mrk:4: warning: \"ship it all\" is no keyword, comment or PW= line; "
-            "modrake passes over it (a comment begins with # or ?)\n"
-            "orva: listing written to transport.lst\n");
-  EXPECT_NE(r.out.find(" CANT MATCH KEYWORD BLOKPIC "), std::string::npos) << r.out;
-  EXPECT_NE(readFile(dir / "transport.lst").find(" #### MODRAKE ANALYSIS\n"), std::string::npos);
   fs::remove_all(dir);
 }
 
@@ -268,10 +245,11 @@ TEST(OrvaCommandRun, PostoptRequestSolvesFirst) {
 }
 
 // --no-solve keeps the solve away even when POSTOPT asks; --requests takes a request file
-// from elsewhere; without --keep-scratch nothing of the run stays behind.
+// from elsewhere, whose stray lines orva warns about; without --keep-scratch nothing of the
+// run stays behind.
 TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   const fs::path dir = freshDir("nosolve");
-  std::ofstream(dir / "mine.mrk") << "# from elsewhere\nPOSTOPT\nVARIABLES\nx\n";
+  std::ofstream(dir / "mine.mrk") << "# from elsewhere\nblokpic\nPOSTOPT\nVARIABLES\nx\n";
   const fs::path tmp = dir / "tmp";
   fs::create_directories(tmp);
   const std::string cmdEnv = "TMPDIR=" + tmp.string();
@@ -281,7 +259,10 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   int raw = std::system(cmd.c_str());
   ASSERT_TRUE(WIFEXITED(raw));
   EXPECT_EQ(WEXITSTATUS(raw), 0) << readFile(dir / "run.err");
-  EXPECT_EQ(readFile(dir / "run.err").find("GLPK"), std::string::npos);
+  // No solve; a line that modrake cannot match is told first, and the run goes on.
+  EXPECT_EQ(readFile(dir / "run.err"),
+            "orva: mine.mrk:2: warning: \"blokpic\" is no keyword; did you mean BLOCKPIC?\n"
+            "orva: listing written to small.lst\n");
   const std::string listing = readFile(dir / "small.lst");
   EXPECT_NE(listing.find("from elsewhere"), std::string::npos);
   EXPECT_NE(listing.find(" #### MODRAKE POSTOPT"), std::string::npos);

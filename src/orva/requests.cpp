@@ -93,7 +93,8 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
       procedureRan = true;  // BLOCKPIC is assumed, and the lines behind are read
       continue;
     }
-    const std::string word = line.substr(0, std::min(line.find('('), static_cast<size_t>(NAME_LEN)));
+    const std::string_view word =
+        std::string_view(line).substr(0, std::min(line.find('('), static_cast<size_t>(NAME_LEN)));
     scan.strayLines.push_back(
         {lineNumber, quotedText(raw), std::string(orvaNearestKeyword(word, kKeywords))});
   }
