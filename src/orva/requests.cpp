@@ -8,21 +8,33 @@
 
 namespace {
 
-// The keywords of modrake's request loop: the nine procedures, their `$` forms in the same
-// order, and THEEND, which ends the requests.
-constexpr std::array<std::string_view, 19> kKeywords = {
-    "DISPLAYCR",  "POSTOPT",  "PICTURE",  "BLOCKPIC",  "ANALYSIS",  "BLOCKLIST",  "MATCHIT",
-    "NONOPT",     "ADVISORY", "$DISPLAYCR", "$POSTOPT", "$PICTURE", "$BLOCKPIC", "$ANALYSIS",
-    "$BLOCKLIST", "$MATCHIT", "$NONOPT",  "$ADVISORY", "THEEND"};
-constexpr size_t kProcedureForms = 18;
-constexpr size_t kProcedures = 9;
+// The nine procedures as modrake's request loop knows them, each also in a `$` form: whether
+// it reads a section of its own, and whether it needs a solution of the model.
+struct ProcedureWord {
+  std::string_view keyword;
+  bool readsSection;
+  bool loadsSolution;
+};
+constexpr std::array<ProcedureWord, 9> kProcedureWords = {{
+    {"DISPLAYCR", true, false},
+    {"POSTOPT", true, true},
+    {"PICTURE", true, false},
+    {"BLOCKPIC", false, false},
+    {"ANALYSIS", false, false},
+    {"BLOCKLIST", false, false},
+    {"MATCHIT", true, false},
+    {"NONOPT", true, true},
+    {"ADVISORY", true, false},
+}};
 
-// By procedure, DISPLAYCR to ADVISORY: whether it reads a section of its own, and whether it
-// needs a solution.
-constexpr std::array<bool, kProcedures> kReadsSection = {true,  true, true, false, false,
-                                                         false, true, true, true};
-constexpr std::array<bool, kProcedures> kNeedsSolution = {false, true,  false, false, false,
-                                                          false, false, true,  false};
+// What a stray line may be a slip of: the procedure keywords and THEEND, which ends the
+// requests.
+constexpr auto kSuggestedKeywords = [] {
+  std::array<std::string_view, kProcedureWords.size() + 1> words{};
+  for (size_t k = 0; k < kProcedureWords.size(); ++k) words[k] = kProcedureWords[k].keyword;
+  words.back() = "THEEND";
+  return words;
+}();
 
 // Most edits that a keyword may be away from a stray line and still be offered for it.
 constexpr int kMostEdits = 2;
@@ -47,12 +59,23 @@ std::string normalizedLine(std::string_view raw) {
   return out;
 }
 
-// The procedure (0..8) whose keyword begins the normalized line, or -1.
-int procedureOf(std::string_view line) {
-  for (size_t k = 0; k < kProcedureForms; ++k) {
-    if (line.starts_with(kKeywords[k])) return static_cast<int>(k % kProcedures);
+// The procedure whose keyword, plain or in its `$` form, begins the normalized line.
+const ProcedureWord* procedureOfLine(std::string_view line) {
+  if (line.starts_with('$')) line.remove_prefix(1);
+  for (const ProcedureWord& p : kProcedureWords) {
+    if (line.starts_with(p.keyword)) return &p;
   }
-  return -1;
+  return nullptr;
+}
+
+// The keyword that a stray line beginning with `word` is nearest to; a `$` in front of the line
+// stays in front of a procedure keyword.
+std::string suggestedKeyword(std::string_view word) {
+  const bool dollar = word.starts_with('$');
+  if (dollar) word.remove_prefix(1);
+  const std::string_view nearest = orvaNearestKeyword(word, kSuggestedKeywords);
+  return (dollar && !nearest.empty() && nearest != kSuggestedKeywords.back() ? "$" : "") +
+         std::string(nearest);
 }
 
 // A stray line as the warning quotes it: control characters as blanks, no blanks around it,
@@ -79,11 +102,10 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
   for (int lineNumber = 1; std::getline(in, raw); ++lineNumber) {
     const std::string line = normalizedLine(raw);
     if (line.empty() || line[0] == '#' || line[0] == '?') continue;
-    const int procedure = procedureOf(line);
-    if (procedure >= 0) {
+    if (const ProcedureWord* procedure = procedureOfLine(line)) {
       procedureRan = true;
-      inSection = kReadsSection[static_cast<size_t>(procedure)];
-      scan.needsSolution = scan.needsSolution || kNeedsSolution[static_cast<size_t>(procedure)];
+      inSection = procedure->readsSection;
+      scan.needsSolution = scan.needsSolution || procedure->loadsSolution;
       continue;
     }
     // Everything else in a section is the procedure's: requests, its words, THEEND.
@@ -95,8 +117,7 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
     }
     const std::string_view word =
         std::string_view(line).substr(0, std::min(line.find('('), static_cast<size_t>(NAME_LEN)));
-    scan.strayLines.push_back(
-        {lineNumber, quotedText(raw), std::string(orvaNearestKeyword(word, kKeywords))});
+    scan.strayLines.push_back({lineNumber, quotedText(raw), suggestedKeyword(word)});
   }
   return scan;
 }
