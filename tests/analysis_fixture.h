@@ -13,6 +13,7 @@
 #include "host/host.h"
 #include "host/instance.h"
 #include "model/work_array.h"
+#include "run/dispatch.h"
 #include "run/run_state.h"
 
 namespace analysis_test {
@@ -139,7 +140,7 @@ struct RunFixture {
   std::vector<std::string> status, log;
 
   void start(const HostInstance& inst, int32_t pageWidth = 80) {
-    RunState& rs = runState;
+    RunContext& rs = runState;
     release();
     rs.model = ovmCreateFromInstance(inst);
     rs.dictionary = ovdCreateFromInstance(inst);
@@ -174,7 +175,7 @@ struct RunFixture {
     rs.analysisChannel = std::tmpfile();
     int64_t total = 0;
     int32_t st = 0;
-    partitionWorkArray(1, total, 0, PICTURE_WIDTH, st);
+    partitionWorkArray(Phase::Largest, workArraySizes(runState), 1, total);
     std::free(workArray.words);
     workArray.words = nullptr;
     allocateWorkArray(total);
@@ -201,14 +202,14 @@ struct RunFixture {
   }
 
   void release() {
-    RunState& rs = runState;
+    RunContext& rs = runState;
     if (rs.model != nullptr) ovmFree(rs.model);
     if (rs.dictionary != nullptr) ovdFree(rs.dictionary);
   }
 
   ~RunFixture() {
     release();
-    RunState& rs = runState;
+    RunContext& rs = runState;
     if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
     rs.analysisChannel = nullptr;
     rs.statusChannel = Channel{};

@@ -16,21 +16,19 @@ namespace {
 
 // Builds the tables of the fixture's model and runs one report on them.
 AnalysisRegions tables() {
-  int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 5, PICTURE_WIDTH, status);
-  AnalysisRegions r = analysisRegions();
-  buildAnalysisTables(r);
+  bool fits = false;
+  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
+  buildAnalysisTables(r, runState);
   return r;
 }
 void equationReport() {
   const AnalysisRegions r = tables();
-  reportEquationFindings(runState.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
+  reportEquationFindings(runState, runState.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
                          runState.dictionary, r.rowActivity);
 }
 void variableReport() {
   const AnalysisRegions r = tables();
-  reportVariableFindings(runState.colCount, TextTable{}, r.colSignTable, r.colBoundTable,
+  reportVariableFindings(runState, runState.colCount, TextTable{}, r.colSignTable, r.colBoundTable,
                          runState.objVar, 0, runState.dictionary);
 }
 
@@ -281,11 +279,11 @@ TEST(AnalysisScratchFile, SectionWordsFollowTheItemClassAndTheFirstProblemStarts
   RunFixture fx;
   fx.start(ModelBuilder{}.build());
   std::fputs("   OLD(1)\n   OLD(2)\n   OLD(3)\n   OLD(4)\n", runState.analysisChannel);
-  recordProblem(ITEM_VARIABLE, "X(a)   ", 21, 0);
-  recordProblem(ITEM_EQUATION, "E(b)", 4, 0);
-  recordProblem(ITEM_EQUATION, "E(c)", 5, 0);
-  recordProblem(ITEM_VARIABLE, "Z", 20, 0);
-  recordProblem(ITEM_VARIABLE, "BLOCK", 20, 1);  // block findings are not recorded
+  recordProblem(runState, ITEM_VARIABLE, "X(a)   ", 21, 0);
+  recordProblem(runState, ITEM_EQUATION, "E(b)", 4, 0);
+  recordProblem(runState, ITEM_EQUATION, "E(c)", 5, 0);
+  recordProblem(runState, ITEM_VARIABLE, "Z", 20, 0);
+  recordProblem(runState, ITEM_VARIABLE, "BLOCK", 20, 1);  // block findings are not recorded
   EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X(a)", " equation", "   E(b)", "   E(c)",
                                  " variable", "   Z"}));
   EXPECT_EQ(runState.analysisProblemCount, 4);
@@ -294,7 +292,7 @@ TEST(AnalysisScratchFile, SectionWordsFollowTheItemClassAndTheFirstProblemStarts
   // A later ANALYSIS of the same run adds to the file without starting it afresh.
   runState.analysisProblemsPending = 0;
   runState.analysisProblemTally.fill(0);
-  recordProblem(ITEM_VARIABLE, "W", 26, 0);
+  recordProblem(runState, ITEM_VARIABLE, "W", 26, 0);
   EXPECT_EQ(fx.scratch().back(), "   W");
   EXPECT_EQ(fx.scratch().size(), 8u);
   EXPECT_EQ(runState.analysisProblemsPending, 0);
@@ -361,7 +359,7 @@ TEST(BlockFindings, EquationRulesOnSignCodes) {
   types[6] = kRowL, rhs[6] = -1, sign(6, 2, 2) = 1;
   RunFixture fx;
   fx.start(ModelBuilder{}.build());
-  reportEquationFindings(6, names, sign, types, rhs, 1, nullptr, Table2<double>{});
+  reportEquationFindings(runState, 6, names, sign, types, rhs, 1, nullptr, Table2<double>{});
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(4) + firstItem(std::string(names.view(1))) +
                            kMessage.at(7) + kEquationCaution +
                            firstItem(std::string(names.view(3))) + kMessage.at(5) +
@@ -387,7 +385,7 @@ TEST(BlockFindings, VariableRulesSkipTheObjectiveBlock) {
   sign(3, 1, 1) = 1;  // STOCK: in an =E= row: held both ways
   RunFixture fx;
   fx.start(ModelBuilder{}.build());
-  reportVariableFindings(3, names, sign, bound, 1, 1, nullptr);
+  reportVariableFindings(runState, 3, names, sign, bound, 1, 1, nullptr);
   EXPECT_EQ(fx.status, kVariableHeading + kMessage.at(20) + nextItem(std::string(names.view(2))));
   EXPECT_EQ(fx.log, Lines{kUnbounded});
   EXPECT_EQ(fx.scratch(), Lines{});
@@ -412,7 +410,7 @@ TEST(RunAnalysis, HeadingBothReportsAndScratchFile) {
   b.objective(cost, obj, false);
   RunFixture fx;
   fx.start(b.build());
-  runAnalysis();
+  runProcedure(procedureRow(Proc::Analysis), runState);
   const Lines heading = {" ", " ----#### Executing ANALYSIS ", "=L#### MODRAKE ANALYSIS ", " "};
   EXPECT_EQ(fx.status, heading + kVariableHeading + kMessage.at(20) + nextItem("X") +
                            kEquationHeading + kMessage.at(5) + firstItem("LIM"));

@@ -68,7 +68,7 @@ TEST(AnalysisScale, AMillionColumnsInSeconds) {
   RunFixture fx;
   fx.start(bigModel());
   const auto begin = std::chrono::steady_clock::now();
-  runAnalysis();
+  runProcedure(procedureRow(Proc::Analysis), runState);
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   EXPECT_LT(seconds, 10.0);
@@ -86,7 +86,7 @@ TEST(AnalysisScale, AMillionColumnsInSeconds) {
   std::vector<int32_t> colCount(3), rowCount(3), colOf(kColumns), rowOf(kRows);
   int32_t colUsed = 0, rowUsed = 0;
   const auto blocksBegin = std::chrono::steady_clock::now();
-  buildBlockTables(kRows, kColumns, colUsed, rowUsed, 3, 3, TextTable{colNames.data(), 31, 4},
+  buildBlockTables(runState, kRows, kColumns, colUsed, rowUsed, 3, 3, TextTable{colNames.data(), 31, 4},
                    TextTable{rowNames.data(), 31, 3}, Vec1<int32_t>{colCount.data(), 3},
                    Vec1<int32_t>{rowCount.data(), 3}, runState.dictionary,
                    Vec1<int32_t>{colOf.data(), kColumns}, Vec1<int32_t>{rowOf.data(), kRows});

@@ -77,11 +77,9 @@ TEST(ClassifyBounds, BlockMembersMoveTheLowerSideButNotAFixedUpperSide) {
 
 // Runs the table pass on the fixture's model and returns the regions.
 AnalysisRegions tables() {
-  int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 5, PICTURE_WIDTH, status);
-  AnalysisRegions r = analysisRegions();
-  buildAnalysisTables(r);
+  bool fits = false;
+  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
+  buildAnalysisTables(r, runState);
   return r;
 }
 

@@ -15,22 +15,12 @@ using analysis_test::RunFixture;
 
 namespace {
 
-// Carves phase 6 and runs BLOCKLIST as the request loop does after the titles.
+// Lays out the BLOCKLIST phase and runs BLOCKLIST as the request loop does after the titles.
 void runBlockListOnRegions() {
-  RunState& rs = runState;
-  int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 6, PICTURE_WIDTH, status);
-  ASSERT_EQ(status, 0);
-  const BlockListRegions r = blockListRegions();
-  int32_t nC = 0, nR = 0;
-  runBlockList(rs.icblock, rs.irblock, rs.rowCount, rs.colCount, nC, nR, r.colBlockName,
-               r.rowBlockName, r.colBlockCount, r.rowBlockCount, rs.dictionary, r.colBlockOf,
-               r.rowBlockOf, r.colSignTable, r.rowSignTable, r.blockRowRhs, r.blockRowType,
-               r.blockColBoundTable, r.blkColWorkA, r.blkColWorkB, r.blkColWorkC,
-               r.blkColWorkD, r.blkRowWorkA, r.blkRowWorkB, r.blkRowWorkC, r.blkRowWorkD,
-               r.blkRowPair, r.blkColMax, r.blkColMin, r.blkRowMax, r.blkRowMin, r.rowActivity,
-               r.rowScale, r.colScale);
+  bool fits = false;
+  const BlockListRegions r = phaseRegions<Phase::BlockList>(workArraySizes(runState), fits);
+  ASSERT_TRUE(fits);
+  runBlockList(r, runState);
 }
 
 const std::vector<std::string> kVariableHead = {

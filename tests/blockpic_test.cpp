@@ -7,6 +7,7 @@
 
 #include "analysis_fixture.h"
 #include "model/work_array.h"
+#include "model/blocks.h"
 #include "pictures/blockpic.h"
 #include "run/run_state.h"
 
@@ -17,20 +18,15 @@ using analysis_test::RunFixture;
 
 namespace {
 
-// Carves phase 4 and runs BLOCKPIC as the request loop does after the titles.
+// Lays out the BLOCKPIC phase and runs BLOCKPIC as the request loop does after the titles.
+// Gives the number of variable and equation blocks, as the block tables hold them.
 void runBlockPicOnRegions(int32_t& nC, int32_t& nR) {
-  RunState& rs = runState;
-  int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 4, PICTURE_WIDTH, status);
-  ASSERT_EQ(status, 0);
-  const BlockPicRegions r = blockPicRegions();
-  runBlockPicture(rs.rowCount, rs.colCount, nC, nR, rs.icblock, rs.irblock, r.colBlockName,
-                  r.rowBlockName, r.colBlockCount, r.rowBlockCount, rs.dictionary,
-                  r.colBlockOf, r.rowBlockOf, r.colBlockNameAlt, r.blockPairMax,
-                  r.blockPairMin, r.blockPairCount, r.blockPairCountB, r.colSignTable,
-                  r.rowSignTable, r.blockRowRhs, r.blockRowType, r.blockColBoundTable,
-                  r.rowActivity, r.rowScale, r.colScale);
+  bool fits = false;
+  const BlockPicRegions r = phaseRegions<Phase::BlockPic>(workArraySizes(runState), fits);
+  ASSERT_TRUE(fits);
+  runBlockPicture(r, runState);
+  nC = r.colBlockOf.n > 0 ? *std::max_element(r.colBlockOf.begin(), r.colBlockOf.end()) : 0;
+  nR = r.rowBlockOf.n > 0 ? *std::max_element(r.rowBlockOf.begin(), r.rowBlockOf.end()) : 0;
 }
 
 // The model of the aggregate picture: variable blocks x, yvariable12 (free), z (binary),
@@ -298,7 +294,7 @@ TEST(BlockPicTables, CountsAndAveragesOfTheWorkedExample) {
   t.colName().set(5, "Coeff Cnts");
   t.colName().set(6, "# of  Eqns");
   t.rowName().set(3, "Coeff Cnts");
-  printBlockCounts(t.p(), t.q(), t.colName(), t.rowName(), 3, 2, t.cols(), t.rows(), t.bound(),
+  printBlockCounts(runState, t.p(), t.q(), t.colName(), t.rowName(), 3, 2, t.cols(), t.rows(), t.bound(),
                    t.types(), t.vertical());
   const std::vector<std::string> tableB = {
       " ", " ", " ", " ",
@@ -339,7 +335,7 @@ TEST(BlockPicTables, CountsAndAveragesOfTheWorkedExample) {
   out.status.clear();
   t.colName().set(5, "Cfs PerEqu");
   t.rowName().set(3, "Cfs PerVar");
-  printAverageCounts(t.p(), t.q(), t.colName(), t.rowName(), 3, 2, t.cols(), t.rows(),
+  printAverageCounts(runState, t.p(), t.q(), t.colName(), t.rowName(), 3, 2, t.cols(), t.rows(),
                      t.bound(), t.vertical(), t.types());
   const std::vector<std::string> tableC = {
       " ", " ",
@@ -390,7 +386,7 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
   t.p()(1, 3) = 7;  // as printBlockCounts leaves it
   t.p()(1, 4) = 3;
   t.p()(2, 1) = 7;
-  printAverageCounts(t.p(), t.q(), t.colName(), t.rowName(), 1, 1, t.cols(), t.rows(),
+  printAverageCounts(runState, t.p(), t.q(), t.colName(), t.rowName(), 1, 1, t.cols(), t.rows(),
                      t.bound(), t.vertical(), t.types());
   // pos: v 1, RHS 13, Cfs PerEqu 21, # 29; the rows write cells 1 to 37.
   EXPECT_EQ(out.status[16],
@@ -417,7 +413,7 @@ TEST(BlockPicTables, ScalingOfTheWorkedExample) {
   pair(2, 2, 1e5, 0.001);
   pair(2, 3, 7, 7);
   pair(2, 4, 4, 2);
-  printBlockScaling(t.x(), t.n(), t.colName(), t.rowName(), 3, 2, t.vertical());
+  printBlockScaling(runState, t.x(), t.n(), t.colName(), t.rowName(), 3, 2, t.vertical());
   const std::vector<std::string> tableD = {
       " ", " ",
       "### D. Scaling - Maximum & Minimum Coefficients by Block -- Strip   1",

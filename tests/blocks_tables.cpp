@@ -33,7 +33,7 @@ struct Blocks {
         rowName{rowNameStore.data(), 31, irblock} {}
 
   void build(int32_t icblock, int32_t irblock) {
-    buildBlockTables(runState.rowCount, runState.colCount, colUsed, rowUsed, icblock, irblock,
+    buildBlockTables(runState, runState.rowCount, runState.colCount, colUsed, rowUsed, icblock, irblock,
                      colName, rowName, Vec1<int32_t>{colCount.data(), icblock},
                      Vec1<int32_t>{rowCount.data(), irblock}, runState.dictionary,
                      Vec1<int32_t>{colOf.data(), static_cast<int32_t>(colOf.size())},

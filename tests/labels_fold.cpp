@@ -95,14 +95,14 @@ TEST(ItemLabels, FullTextsAndParts) {
   EXPECT_EQ(parts.view(2), "seattle" + std::string(24, ' '));
   EXPECT_EQ(parts.view(3), std::string(31, '#'));  // beyond dim: untouched
 
-  varItemLabel(d, lm.ship, text, length, dim, isNew, 375);
+  varItemLabel(runState, d, lm.ship, text, length, dim, isNew, 375);
   EXPECT_EQ(text, "X(seattle,'new york')");
 
-  varItemLabel(d, lm.longLabel, text, length, dim, isNew, 375);
+  varItemLabel(runState, d, lm.longLabel, text, length, dim, isNew, 375);
   EXPECT_EQ(text, "Y(" + std::string(60, 'a') + "wx~)");
   EXPECT_EQ(length, 2 + 63 + 1);
 
-  varItemLabelParts(d, lm.longLabel, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, lm.longLabel, text, length, parts, dim, isNew);
   EXPECT_EQ(parts.view(1), std::string(31, 'a'));
 }
 
@@ -112,7 +112,7 @@ TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
   fx.start(lm.b.build());
   std::string text;
   int32_t length = 0, dim = 0, isNew = 0;
-  varItemLabel(runState.dictionary, lm.wide, text, length, dim, isNew, 375);
+  varItemLabel(runState, runState.dictionary, lm.wide, text, length, dim, isNew, 375);
   ASSERT_EQ(text.size(), 375u);
   EXPECT_EQ(length, 375);
   EXPECT_EQ(dim, 10);
@@ -123,7 +123,7 @@ TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
   EXPECT_EQ(text.substr(370, 4), "uuuu");
 
   // A small capacity bounds the text as well.
-  varItemLabel(runState.dictionary, lm.ship, text, length, dim, isNew, 6);
+  varItemLabel(runState, runState.dictionary, lm.ship, text, length, dim, isNew, 6);
   EXPECT_EQ(text, "X(sea~");
 }
 
@@ -136,15 +136,15 @@ TEST(ItemLabels, NewSymbolFollowsTheLastColumnNamed) {
   TextTable parts{store.data(), 31, 10};
   std::string text;
   int32_t length = 0, dim = 0, isNew = 0;
-  varItemLabelParts(d, lm.ship, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, lm.ship, text, length, parts, dim, isNew);
   EXPECT_EQ(isNew, -1);
-  varItemLabelParts(d, lm.ship, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, lm.ship, text, length, parts, dim, isNew);
   EXPECT_EQ(isNew, 0);
-  varItemLabel(d, lm.ship + 1, text, length, dim, isNew, 375);  // same symbol X
+  varItemLabel(runState, d, lm.ship + 1, text, length, dim, isNew, 375);  // same symbol X
   EXPECT_EQ(isNew, 0);
-  varItemLabel(d, lm.longLabel, text, length, dim, isNew, 375);
+  varItemLabel(runState, d, lm.longLabel, text, length, dim, isNew, 375);
   EXPECT_EQ(isNew, -1);
-  EXPECT_EQ(varItemSymbol(d, lm.longLabel, isNew), runState.lastColSymbol);
+  EXPECT_EQ(varItemSymbol(runState, d, lm.longLabel, isNew), runState.lastColSymbol);
   EXPECT_EQ(isNew, 0);
 }
 

@@ -1,7 +1,7 @@
 // The report notation: every expected line below is worked out by hand from the rules of the
 // notation, column for column.
 
-#include "run/notation.h"
+#include "base/notation.h"
 
 #include <gtest/gtest.h>
 

@@ -22,7 +22,7 @@ struct RequestLine : ::testing::Test {
   static std::string norm(const std::string& raw, int32_t* isComment = nullptr) {
     std::string line = raw;
     int32_t c = -1;
-    normalizeRequestLine(line, c, 1, MAX_LINE);
+    normalizeRequestLine(line, c, MAX_LINE, &runState);
     EXPECT_EQ(line.size(), static_cast<size_t>(MAX_LINE));
     if (isComment != nullptr) *isComment = c;
     while (!line.empty() && line.back() == ' ') line.pop_back();
@@ -108,7 +108,7 @@ TEST_F(RequestLine, CommentsBeyondFiftyAreCountedNotKept) {
 TEST_F(RequestLine, LongLineIsCutToItsLength) {
   std::string line = std::string(400, 'q');
   int32_t c = -1;
-  normalizeRequestLine(line, c, 1, MAX_LINE);
+  normalizeRequestLine(line, c, MAX_LINE, &runState);
   EXPECT_EQ(line, std::string(MAX_LINE, 'Q'));
 }
 

@@ -100,7 +100,7 @@ struct ControlFile : ::testing::Test {
       std::filesystem::temp_directory_path() /
       ("modrake_control_" + std::to_string(::getpid()) + "_" +
        ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".dat");
-  RunState state;
+  RunContext state;
   std::string error;
   void TearDown() override { std::filesystem::remove(path); }
   bool readText(const std::string& text) {
@@ -147,7 +147,7 @@ TEST_F(ControlFile, FaultyRecordNamesFileAndLine) {
 namespace {
 
 TEST(ControlRecords, BlockCapacitiesUnderOneFollowTheSymbolCount) {
-  RunState state;
+  RunContext state;
   state.icblock = 0;
   state.irblock = 0;
   applyBlockDefaults(state, 12);

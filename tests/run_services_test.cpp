@@ -43,7 +43,7 @@ TEST_F(RunServices, LookupFindsEachKeywordPlainAndInItsDollarForm) {
     EXPECT_EQ(look(names[k - 1]), k) << names[k - 1];
     EXPECT_EQ(look(std::string("$") + names[k - 1]), k) << names[k - 1];
     EXPECT_EQ(look(names[k - 1], 2), k) << names[k - 1];
-    EXPECT_EQ(procedureKeyword(k), names[k - 1]);
+    EXPECT_EQ(procedureRow(static_cast<Proc>(k)).keyword, names[k - 1]);
   }
 }
 
@@ -157,9 +157,9 @@ TEST_F(RunServices, EchoBeyondFiftyWritesTheFiftyKept) {
 }
 
 TEST_F(RunServices, TitlesCarryTheirTrailingBlanks) {
-  writeProcedureTitles(3);
-  writeProcedureTitles(4);
-  writeProcedureTitles(2);
+  writeProcedureTitles(procedureRow(Proc::Picture));
+  writeProcedureTitles(procedureRow(Proc::BlockPic));
+  writeProcedureTitles(procedureRow(Proc::PostOpt));
   EXPECT_EQ(log, (std::vector<std::string>{" #### Executing PICTURE  ", " #### Executing BLOCKPIC ",
                                            " #### Executing POSTOPT"}));
   EXPECT_EQ(status, (std::vector<std::string>{

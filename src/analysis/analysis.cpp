@@ -11,8 +11,6 @@
 #include "host/instance.h"
 #include "model/blocks.h"
 #include "model/work_array.h"
-#include "run/request_loop.h"
-#include "run/run_state.h"
 
 namespace {
 
@@ -233,16 +231,16 @@ struct FindingRun {
   int32_t style = 5;
 };
 
-void reportFinding(FindingRun& run, int32_t kind, int32_t nonlinear, std::string_view label,
-                   int32_t mode) {
-  Channel& status = runState.statusChannel;
+void reportFinding(RunContext& rs, FindingRun& run, int32_t kind, int32_t nonlinear,
+                   std::string_view label, int32_t mode) {
+  Channel& status = rs.statusChannel;
   if (kind != run.lastKind) {
     writeLine(status, kKindMessage[static_cast<size_t>(kind)]);
     if (nonlinear > 0) writeLine(status, run.caution);
     run.style = run.openStyle;
   }
-  recordProblem(run.itemClass, label, kind, mode);
-  printFoldedItem(label, runState.pageWidth, run.style, status);
+  recordProblem(rs, run.itemClass, label, kind, mode);
+  printFoldedItem(label, rs.pageWidth, run.style, status);
   run.style = 5;
   run.lastKind = kind;
 }
@@ -295,8 +293,7 @@ void classifyBounds(double upper, double lower, double plusInf, double minusInf,
   if (typeCode == 3) typeCode = boundClass;
 }
 
-void buildAnalysisTables(const AnalysisRegions& r) {
-  RunState& rs = runState;
+void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
   ovmHandle model = rs.model;
   const int32_t m = rs.rowCount, n = rs.colCount;
 
@@ -324,7 +321,7 @@ void buildAnalysisTables(const AnalysisRegions& r) {
   for (int32_t j = 1; j <= n; ++j) {
     double lower = 0.0;
     double upper = 0.0;
-    const int32_t t = readColumnBounds(model, j, r.colScale, j, r.colBoundTable, lower, upper);
+    const int32_t t = readColumnBounds(rs, j, r.colScale, j, r.colBoundTable, lower, upper);
     walkColumn(model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nonlinear) {
       if (nonlinear > 0) {
         r.rowSignTable(i, 1, 3) += 1;
@@ -378,10 +375,10 @@ void buildAnalysisTables(const AnalysisRegions& r) {
   }
 }
 
-void recordProblem(int32_t itemClass, std::string_view label, int32_t kind, int32_t mode) {
+void recordProblem(RunContext& rs, int32_t itemClass, std::string_view label, int32_t kind,
+                   int32_t mode) {
   if (mode > 0) return;
   if (kind < 0 || kind >= PROBLEM_KINDS) return;
-  RunState& rs = runState;
   rs.analysisProblemTally[static_cast<size_t>(kind)] += 1;
   rs.analysisProblemCount += 1;
   if (rs.analysisProblemTally[static_cast<size_t>(kind)] > MAX_PROBLEMS_PER_KIND) return;
@@ -428,10 +425,9 @@ void printFoldedItem(std::string_view label, int32_t lineWidth, int32_t style,
   }
 }
 
-void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32_t> signTable,
-                            Table2<int32_t> boundTable, int32_t skipIndex, int32_t mode,
-                            ovdHandle dictionary) {
-  RunState& rs = runState;
+void reportVariableFindings(RunContext& rs, int32_t colTotal, TextTable blockNames,
+                            Table3<int32_t> signTable, Table2<int32_t> boundTable,
+                            int32_t skipIndex, int32_t mode, ovdHandle dictionary) {
   writeLine(rs.statusChannel, "(' ')");
   writeLine(rs.statusChannel,
             "(3X,'----### Analysis of Variables ( nonlinear',1X,'terms at current point)',/,1X)");
@@ -445,7 +441,7 @@ void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32
     const int32_t nonlinear = signTable(j, 1, 3);
     if (mode == 0) {
       int32_t isNew = 0;
-      varItemSymbol(dictionary, j, isNew);
+      varItemSymbol(rs, dictionary, j, isNew);
       if (isNew != 0) rs.analysisProblemTally.fill(0);
     }
     if (j == skipIndex) continue;
@@ -481,11 +477,11 @@ void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32
 
     if (mode == 0) {
       int32_t length = 0, dim = 0, isNew = 0;
-      varItemLabel(dictionary, j, label, length, dim, isNew, MAX_LINE);
+      varItemLabel(rs, dictionary, j, label, length, dim, isNew, MAX_LINE);
     } else {
       label.assign(blockNames.view(j));
     }
-    reportFinding(run, kind, nonlinear, label, mode);
+    reportFinding(rs, run, kind, nonlinear, label, mode);
     group[g] = true;
   }
 
@@ -506,10 +502,9 @@ void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32
   }
 }
 
-void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32_t> signTable,
-                            Vec1<int32_t> rowTypes, Vec1<double> rhs, int32_t mode,
-                            ovdHandle dictionary, Table2<double> activity) {
-  RunState& rs = runState;
+void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNames,
+                            Table3<int32_t> signTable, Vec1<int32_t> rowTypes, Vec1<double> rhs,
+                            int32_t mode, ovdHandle dictionary, Table2<double> activity) {
   writeLine(rs.statusChannel,
             "(1X,/,1X,'----### Analysis of Equations ( nonlinear terms',1X,"
             "'at current point)',/,1X,/,1X)");
@@ -596,7 +591,7 @@ void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32
     }
     for (int32_t k = 0; k < found; ++k) {
       const int32_t kind = kinds[k];
-      reportFinding(run, kind, nonlinear, label, mode);
+      reportFinding(rs, run, kind, nonlinear, label, mode);
       switch (kind) {
         case 3: case 6: case 11: case 12: case 13: group[kForcesZero] = true; break;
         case 4: case 7: case 17: case 18: group[kRedundant] = true; break;
@@ -618,9 +613,9 @@ void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32
   if (group[kRedundant]) writeLine(rs.logChannel, "(7X,'### Some equations are redundant ')");
 }
 
-int32_t readColumnBounds(ovmHandle model, int32_t j, Vec1<double> colScale, int32_t index,
+int32_t readColumnBounds(const RunContext& rs, int32_t j, Vec1<double> colScale, int32_t index,
                          Table2<int32_t> boundTable, double& lower, double& upper) {
-  const RunState& rs = runState;
+  ovmHandle model = rs.model;
   colScale[j] = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
   lower = ovmGetVarLowerOne(model, j);
   if (lower != rs.minusInf) lower *= colScale[j];
@@ -631,12 +626,12 @@ int32_t readColumnBounds(ovmHandle model, int32_t j, Vec1<double> colScale, int3
   return boundTable(index, 4);
 }
 
-void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
+void reportBlockFindings(RunContext& rs, int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
                          Table3<int32_t> colSignTable, Table3<int32_t> rowSignTable,
                          Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
                          Vec1<double> blockRowRhs, Table2<double> rowActivity,
                          int32_t skipBlock, ovdHandle dictionary) {
-  reportVariableFindings(nC, colBlockName, colSignTable, blockColBoundTable, skipBlock, 1,
+  reportVariableFindings(rs, nC, colBlockName, colSignTable, blockColBoundTable, skipBlock, 1,
                          dictionary);
   for (int32_t e = 1; e <= rowActivity.rows; ++e) {
     rowActivity(e, 1) = 0.0;
@@ -644,26 +639,14 @@ void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTab
     rowActivity(e, 3) = 0.0;
     rowActivity(e, 4) = -1.0;
   }
-  reportEquationFindings(nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
+  reportEquationFindings(rs, nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
                          dictionary, rowActivity);
 }
 
-void runAnalysis() {
-  RunState& rs = runState;
-  setScaling(rs.scaleRequest >= 0 ? 1 : 0);
-  int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 5, PICTURE_WIDTH, status);
-  const AnalysisRegions r = analysisRegions();
-
-  writeFree(rs.statusChannel);
-  writeProcedureTitles(5);
-  if (rs.commentCount > 0) echoComments();
-  writeFree(rs.statusChannel);
-
-  buildAnalysisTables(r);
-  reportVariableFindings(rs.colCount, TextTable{}, r.colSignTable, r.colBoundTable, rs.objVar, 0,
-                         rs.dictionary);
-  reportEquationFindings(rs.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
+void runAnalysis(const AnalysisRegions& r, RunContext& rs) {
+  buildAnalysisTables(r, rs);
+  reportVariableFindings(rs, rs.colCount, TextTable{}, r.colSignTable, r.colBoundTable, rs.objVar,
+                         0, rs.dictionary);
+  reportEquationFindings(rs, rs.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
                          rs.dictionary, r.rowActivity);
 }

@@ -8,7 +8,7 @@
 #include "host/host.h"
 #include "model/views.h"
 #include "model/work_array.h"
-#include "run/notation.h"
+#include "base/notation.h"
 
 inline constexpr int32_t NO_LOWER = -100000;
 inline constexpr int32_t NO_UPPER = 100000;
@@ -22,12 +22,13 @@ inline constexpr int32_t MAX_PROBLEMS_PER_KIND = 5;
 inline constexpr int32_t ITEM_VARIABLE = 1;
 inline constexpr int32_t ITEM_EQUATION = 2;
 
-// The ANALYSIS branch of the request loop.
-void runAnalysis();
+// ANALYSIS, after the request loop has written the titles and laid out its phase: the tables,
+// then the variable and equation findings on every column and row.
+void runAnalysis(const AnalysisRegions& regions, RunContext& run);
 
 // One pass over rows and columns through the host: rowRhs, anaRowType, the scale factors,
 // colBoundTable, rowSignTable, colSignTable (with the objective turn) and rowActivity.
-void buildAnalysisTables(const AnalysisRegions& regions);
+void buildAnalysisTables(const AnalysisRegions& regions, RunContext& run);
 
 // Updates row `index` of a colBoundTable or blockColBoundTable (n x 5) from one pair of bounds.
 void classifyBounds(double upper, double lower, double plusInf, double minusInf, int32_t index,
@@ -60,24 +61,24 @@ void walkColumn(ovmHandle model, int32_t j, int32_t rowCount, Vec1<double> colSc
 // Reads column j as every procedure does: its scale factor into colScale[j], and its bounds,
 // multiplied by that factor unless infinite, into lower and upper, classified into row `index`
 // of boundTable (the column itself, or its block). Gives the boundClass that row holds now.
-int32_t readColumnBounds(ovmHandle model, int32_t j, Vec1<double> colScale, int32_t index,
+int32_t readColumnBounds(const RunContext& run, int32_t j, Vec1<double> colScale, int32_t index,
                          Table2<int32_t> boundTable, double& lower, double& upper);
 
 // The variable ladder over colTotal columns (mode 0) or blocks (mode 1); skipIndex is left out.
-void reportVariableFindings(int32_t colTotal, TextTable blockNames, Table3<int32_t> signTable,
-                            Table2<int32_t> boundTable, int32_t skipIndex, int32_t mode,
-                            ovdHandle dictionary);
+void reportVariableFindings(RunContext& run, int32_t colTotal, TextTable blockNames,
+                            Table3<int32_t> signTable, Table2<int32_t> boundTable,
+                            int32_t skipIndex, int32_t mode, ovdHandle dictionary);
 
 // The equation ladder over rowTotal rows (mode 0) or blocks (mode 1). In mode 1 `rhs` holds
 // the sign codes of blockRowRhs and `activity` is not read.
-void reportEquationFindings(int32_t rowTotal, TextTable blockNames, Table3<int32_t> signTable,
-                            Vec1<int32_t> rowTypes, Vec1<double> rhs, int32_t mode,
-                            ovdHandle dictionary, Table2<double> activity);
+void reportEquationFindings(RunContext& run, int32_t rowTotal, TextTable blockNames,
+                            Table3<int32_t> signTable, Vec1<int32_t> rowTypes, Vec1<double> rhs,
+                            int32_t mode, ovdHandle dictionary, Table2<double> activity);
 
 // The two ladders on block tables (mode 1), as BLOCKPIC and BLOCKLIST end: the variable blocks
 // but `skipBlock` (the objective variable's), then the equation blocks with the activity rules
 // switched off through rowActivity.
-void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
+void reportBlockFindings(RunContext& run, int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
                          Table3<int32_t> colSignTable, Table3<int32_t> rowSignTable,
                          Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
                          Vec1<double> blockRowRhs, Table2<double> rowActivity,
@@ -87,7 +88,7 @@ void reportBlockFindings(int32_t nC, int32_t nR, TextTable colBlockName, TextTab
 // item to the analysis scratch file in the request language, with a section word ("variable"
 // or "equation") where the item class changes. The first problem of the run starts the file
 // afresh and sets analysisProblemsPending. Mode 1 (block findings) records nothing.
-void recordProblem(int32_t itemClass, std::string_view label, int32_t kind, int32_t mode);
+void recordProblem(RunContext& run, int32_t itemClass, std::string_view label, int32_t kind, int32_t mode);
 
 // Prints a label folded to the line width (130 at most). First line by style:
 // 1 "(/,' ##  ',A)", 2 "(/,5X,A)", 3 and 5 "(5X,A)", 4 "('     ',A)"; further lines "(5X,A)".

@@ -4,8 +4,7 @@
 #include <array>
 #include <unordered_map>
 
-#include "run/notation.h"
-#include "run/run_state.h"
+#include "base/notation.h"
 
 namespace {
 
@@ -92,30 +91,33 @@ void boundText(std::string& text, int32_t& textLength, int32_t textCapacity) {
   textLength = static_cast<int32_t>(text.size());
 }
 
-void noteSymbol(int32_t symbol, int32_t& isNewSymbol) {
-  isNewSymbol = symbol == runState.lastColSymbol ? 0 : -1;
-  runState.lastColSymbol = symbol;
+void noteSymbol(RunContext& run, int32_t symbol, int32_t& isNewSymbol) {
+  isNewSymbol = symbol == run.lastColSymbol ? 0 : -1;
+  run.lastColSymbol = symbol;
 }
 
-// Block capacity stop: the message on the status channel and on standard output, "=2", 77.
-[[noreturn]] void blockCapacityStop(bool variables, int32_t capacity) {
+}  // namespace
+
+void blockCapacityStop(RunContext& run, bool variables, int32_t limit) {
   const char* tmpl =
       variables ? "('  Exceeded maximum variable blocks which is',I4,/,' Expand or drop VARBLOCK "
                   "option in MODRAKE.OPT')"
                 : "('  Exceeded maximum equation blocks which is',I4,/,' Expand or drop EQUBLOCK "
                   "option in MODRAKE.OPT')";
-  writeLine(runState.statusChannel, tmpl, {capacity});
-  writeLine(runState.logChannel, tmpl, {capacity});
-  if (variables) writeFree(runState.statusChannel);
-  writeLine(runState.statusChannel, "(A2)", {"=2"});
-  stopRun(77);
+  writeLine(run.statusChannel, tmpl, {limit});
+  writeLine(run.logChannel, tmpl, {limit});
+  if (variables) writeFree(run.statusChannel);
+  writeLine(run.statusChannel, "(A2)", {"=2"});
+  stopRun(run, 77);
 }
+
+namespace {
 
 // Assigns blocks to n items in order of first occurrence. Items of the symbol of the item
 // before them take its block at once; other symbols are looked up by number, and a symbol
 // number not yet seen by its name, so that equal names share a block.
 template <class UelsOf>
-int32_t assignBlocks(int32_t n, int32_t limit, int32_t capacity, bool variables,
+int32_t assignBlocks(RunContext& run, int32_t n, int32_t limit, int32_t capacity, bool variables,
                      ovdHandle dictionary, UelsOf uelsOf, TextTable blockName,
                      Vec1<int32_t> blockCount, Vec1<int32_t> blockOf, int32_t& lastSymbol) {
   std::unordered_map<int32_t, int32_t> blockOfSymbol;
@@ -136,7 +138,7 @@ int32_t assignBlocks(int32_t n, int32_t limit, int32_t capacity, bool variables,
       if (auto jt = blockOfName.find(name); jt != blockOfName.end()) {
         block = jt->second;
       } else {
-        if (used >= limit) blockCapacityStop(variables, capacity);
+        if (used >= limit) blockCapacityStop(run, variables, capacity);
         block = ++used;
         blockName.set(block, name);
         blockCount[block] = 0;
@@ -155,7 +157,31 @@ int32_t assignBlocks(int32_t n, int32_t limit, int32_t capacity, bool variables,
 
 }  // namespace
 
-void buildBlockTables(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
+double nextBlockRhsStatus(double status, double r) {
+  const int32_t s = static_cast<int32_t>(status);
+  if (r > 0.0) {
+    switch (s) {
+      case 99: case 2: return 2.0;
+      case 1: case 0: return 1.0;
+      default: return RHS_MIXED;
+    }
+  }
+  if (r < 0.0) {
+    switch (s) {
+      case 99: case -2: return -2.0;
+      case 0: case -1: return -1.0;
+      default: return RHS_MIXED;
+    }
+  }
+  switch (s) {
+    case 99: case 0: return 0.0;
+    case 2: case 1: return 1.0;
+    case -1: case -2: return -1.0;
+    default: return RHS_MIXED;
+  }
+}
+
+void buildBlockTables(RunContext& run, int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
                       int32_t& rowBlockUsed, int32_t icblock, int32_t irblock,
                       TextTable colBlockName, TextTable rowBlockName, Vec1<int32_t> colBlockCount,
                       Vec1<int32_t> rowBlockCount, ovdHandle dictionary, Vec1<int32_t> colBlockOf,
@@ -165,13 +191,11 @@ void buildBlockTables(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
   // Capacities beyond the tables handed in would write past them.
   const int32_t colCapacity = std::min(icblock, std::min(colBlockCount.n, colBlockName.n - 1));
   const int32_t rowCapacity = std::min(irblock, std::min(rowBlockCount.n, rowBlockName.n));
-  int32_t lastSymbol = runState.lastColSymbol;
-  colBlockUsed = assignBlocks(colCount, colCapacity, icblock, true, dictionary, colUels,
-                              colBlockName, colBlockCount, colBlockOf, lastSymbol);
-  runState.lastColSymbol = lastSymbol;
+  colBlockUsed = assignBlocks(run, colCount, colCapacity, icblock, true, dictionary, colUels,
+                              colBlockName, colBlockCount, colBlockOf, run.lastColSymbol);
   if (colBlockUsed + 1 <= colBlockName.n) colBlockName.set(colBlockUsed + 1, "RHS");
   int32_t unused = 0;
-  rowBlockUsed = assignBlocks(rowCount, rowCapacity, irblock, false, dictionary, rowUels,
+  rowBlockUsed = assignBlocks(run, rowCount, rowCapacity, irblock, false, dictionary, rowUels,
                               rowBlockName, rowBlockCount, rowBlockOf, unused);
 }
 
@@ -188,30 +212,30 @@ void equItemLabel(ovdHandle dictionary, int32_t row, std::string& text, int32_t&
   boundText(text, textLength, textCapacity);
 }
 
-void varItemLabel(ovdHandle dictionary, int32_t col, std::string& text, int32_t& textLength,
+void varItemLabel(RunContext& run, ovdHandle dictionary, int32_t col, std::string& text, int32_t& textLength,
                   int32_t& dim, int32_t& isNewSymbol, int32_t textCapacity) {
   const ItemUels u = colUels(dictionary, col);
-  noteSymbol(u.symbol, isNewSymbol);
+  noteSymbol(run, u.symbol, isNewSymbol);
   dim = u.dim;
   symbolName(dictionary, u.symbol, text);
   appendLabels(dictionary, u, text);
   boundText(text, textLength, textCapacity);
 }
 
-void varItemLabelParts(ovdHandle dictionary, int32_t col, std::string& symbol,
+void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::string& symbol,
                        int32_t& symbolLength, TextTable labels, int32_t& dim,
                        int32_t& isNewSymbol) {
   const ItemUels u = colUels(dictionary, col);
-  noteSymbol(u.symbol, isNewSymbol);
+  noteSymbol(run, u.symbol, isNewSymbol);
   dim = u.dim;
   symbolName(dictionary, u.symbol, symbol);
   symbolLength = static_cast<int32_t>(symbol.size());
   fillParts(dictionary, u, labels);
 }
 
-int32_t varItemSymbol(ovdHandle dictionary, int32_t col, int32_t& isNewSymbol) {
+int32_t varItemSymbol(RunContext& run, ovdHandle dictionary, int32_t col, int32_t& isNewSymbol) {
   const int32_t symbol = colUels(dictionary, col).symbol;
-  noteSymbol(symbol, isNewSymbol);
+  noteSymbol(run, symbol, isNewSymbol);
   return symbol;
 }
 

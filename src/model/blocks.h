@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/run_context.h"
 #include "host/host.h"
 #include "model/views.h"
 
@@ -16,12 +17,21 @@ inline constexpr int32_t UEL_TEXT_LEN = 64;
 
 // Fills the block tables from the dictionary: blocks numbered in order of first occurrence,
 // colBlockName[colBlockUsed + 1] = "RHS". More blocks than icblock or irblock stop the run
-// (exit code 77) with the capacity message.
-void buildBlockTables(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
+// (exit code 77) with the capacity message. The symbol of the last column goes to
+// run.lastColSymbol.
+void buildBlockTables(RunContext& run, int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
                       int32_t& rowBlockUsed, int32_t icblock, int32_t irblock,
                       TextTable colBlockName, TextTable rowBlockName,
                       Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                       ovdHandle dictionary, Vec1<int32_t> colBlockOf, Vec1<int32_t> rowBlockOf);
+
+// Status codes of blockRowRhs: the signs of the right-hand sides seen in a block.
+inline constexpr double RHS_NONE_YET = 99.0;
+inline constexpr double RHS_MIXED = -99.0;
+
+// The next blockRowRhs status after a row with right-hand side r: 2 all positive, 1 positive
+// and zero, 0 all zero, -1 negative and zero, -2 all negative, -99 both signs, 99 none yet.
+double nextBlockRhsStatus(double status, double r);
 
 // Label forms of equItemLabel.
 inline constexpr int32_t LABEL_PARTS = 2;  // symbol in `text`, labels in `labels`
@@ -36,18 +46,22 @@ void equItemLabel(ovdHandle dictionary, int32_t row, std::string& text, int32_t&
                   int32_t form, TextTable labels, int32_t& dim, int32_t textCapacity);
 
 // Full label text of column `col`, as equItemLabel in form LABEL_FULL. isNewSymbol is -1 when
-// the column's symbol differs from runState.lastColSymbol, else 0; lastColSymbol is updated.
-void varItemLabel(ovdHandle dictionary, int32_t col, std::string& text, int32_t& textLength,
+// the column's symbol differs from run.lastColSymbol, else 0; lastColSymbol is updated.
+void varItemLabel(RunContext& run, ovdHandle dictionary, int32_t col, std::string& text, int32_t& textLength,
                   int32_t& dim, int32_t& isNewSymbol, int32_t textCapacity);
 
 // Parts of column `col`, as equItemLabel in form LABEL_PARTS; isNewSymbol as varItemLabel.
-void varItemLabelParts(ovdHandle dictionary, int32_t col, std::string& symbol,
+void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::string& symbol,
                        int32_t& symbolLength, TextTable labels, int32_t& dim,
                        int32_t& isNewSymbol);
 
 // Symbol number of column `col`, with isNewSymbol and lastColSymbol as varItemLabel, for a
 // walk that needs the symbol change of every column but the text of few.
-int32_t varItemSymbol(ovdHandle dictionary, int32_t col, int32_t& isNewSymbol);
+int32_t varItemSymbol(RunContext& run, ovdHandle dictionary, int32_t col, int32_t& isNewSymbol);
+
+// The block capacity stop: a model with more variable (or equation) blocks than `limit` ends
+// the run with the message on the status file and the log, "=2" and exit code 77.
+[[noreturn]] void blockCapacityStop(RunContext& run, bool variables, int32_t limit);
 
 // Cuts a label text into report lines of about `width` characters, breaking only behind a
 // comma: later lines are indented by the symbol and its parenthesis. A text of at most width

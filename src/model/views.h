@@ -9,6 +9,7 @@
 // A vector of n elements, indexed 1..n.
 template <class T>
 struct Vec1 {
+  using value_type = T;
   T* base = nullptr;
   int32_t n = 0;
 
@@ -27,6 +28,7 @@ struct Vec1 {
 // A table of rows x cols elements, first index fastest: (i, k) stands at i + (k-1) x rows.
 template <class T>
 struct Table2 {
+  using value_type = T;
   T* base = nullptr;
   int32_t rows = 0;
   int32_t cols = 0;
@@ -44,6 +46,7 @@ struct Table2 {
 // A table of n1 x n2 x n3 elements, first index fastest.
 template <class T>
 struct Table3 {
+  using value_type = T;
   T* base = nullptr;
   int32_t n1 = 0;
   int32_t n2 = 0;
@@ -61,6 +64,7 @@ struct Table3 {
 
 // A table of n fixed-width, blank-padded texts, indexed 1..n.
 struct TextTable {
+  using value_type = char;
   char* base = nullptr;
   int32_t width = 0;
   int32_t n = 0;

@@ -4,69 +4,23 @@
 #include <array>
 #include <sstream>
 
-#include "run/run_state.h"
+#include "base/procedures.h"
+#include "base/run_context.h"
+#include "request/request_line.h"
 
 namespace {
-
-// The nine procedures as modrake's request loop knows them, each also in a `$` form: whether
-// it reads a section of its own, and whether it needs a solution of the model.
-struct ProcedureWord {
-  std::string_view keyword;
-  bool readsSection;
-  bool loadsSolution;
-};
-constexpr std::array<ProcedureWord, 9> kProcedureWords = {{
-    {"DISPLAYCR", true, false},
-    {"POSTOPT", true, true},
-    {"PICTURE", true, false},
-    {"BLOCKPIC", false, false},
-    {"ANALYSIS", false, false},
-    {"BLOCKLIST", false, false},
-    {"MATCHIT", true, false},
-    {"NONOPT", true, true},
-    {"ADVISORY", true, false},
-}};
 
 // What a stray line may be a slip of: the procedure keywords and THEEND, which ends the
 // requests.
 constexpr auto kSuggestedKeywords = [] {
-  std::array<std::string_view, kProcedureWords.size() + 1> words{};
-  for (size_t k = 0; k < kProcedureWords.size(); ++k) words[k] = kProcedureWords[k].keyword;
+  std::array<std::string_view, kProcedures.size() + 1> words{};
+  for (size_t k = 0; k < kProcedures.size(); ++k) words[k] = kProcedures[k].keyword;
   words.back() = "THEEND";
   return words;
 }();
 
 // Most edits that a keyword may be away from a stray line and still be offered for it.
 constexpr int kMostEdits = 2;
-
-// The line as modrake compares it with its keywords: read to MAX_LINE characters, leading
-// blanks and apostrophes gone, letters in capitals, control characters and blanks dropped up
-// to the first parenthesis.
-std::string normalizedLine(std::string_view raw) {
-  raw = raw.substr(0, static_cast<size_t>(MAX_LINE));
-  size_t i = 0;
-  while (i < raw.size() && (raw[i] == ' ' || raw[i] == '\'')) ++i;
-  std::string out;
-  bool inParens = false;
-  for (; i < raw.size(); ++i) {
-    char c = raw[i];
-    if (static_cast<unsigned char>(c) < 21) c = ' ';
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    if (c == '(') inParens = true;
-    if (c == ' ' && !inParens) continue;
-    out.push_back(c);
-  }
-  return out;
-}
-
-// The procedure whose keyword, plain or in its `$` form, begins the normalized line.
-const ProcedureWord* procedureOfLine(std::string_view line) {
-  if (line.starts_with('$')) line.remove_prefix(1);
-  for (const ProcedureWord& p : kProcedureWords) {
-    if (line.starts_with(p.keyword)) return &p;
-  }
-  return nullptr;
-}
 
 // The keyword that a stray line beginning with `word` is nearest to; a `$` in front of the line
 // stays in front of a procedure keyword.
@@ -99,10 +53,14 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
   std::string raw;
   bool procedureRan = false;
   bool inSection = false;
+  std::string line;
   for (int lineNumber = 1; std::getline(in, raw); ++lineNumber) {
-    const std::string line = normalizedLine(raw);
-    if (line.empty() || line[0] == '#' || line[0] == '?') continue;
-    if (const ProcedureWord* procedure = procedureOfLine(line)) {
+    // The line as modrake compares it with its keywords.
+    line = raw;
+    int32_t isComment = 0;
+    normalizeRequestLine(line, isComment, MAX_LINE, nullptr);
+    if (isComment > 0) continue;
+    if (const ProcedureRow* procedure = procedureOfLine(line)) {
       procedureRan = true;
       inSection = procedure->readsSection;
       scan.needsSolution = scan.needsSolution || procedure->loadsSolution;
@@ -115,8 +73,9 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
       procedureRan = true;  // BLOCKPIC is assumed, and the lines behind are read
       continue;
     }
-    const std::string_view word =
+    std::string_view word =
         std::string_view(line).substr(0, std::min(line.find('('), static_cast<size_t>(NAME_LEN)));
+    word = word.substr(0, word.find_last_not_of(' ') + 1);  // the blanks that pad the line
     scan.strayLines.push_back({lineNumber, quotedText(raw), suggestedKeyword(word)});
   }
   return scan;

@@ -9,8 +9,7 @@
 #include "analysis/analysis.h"
 #include "model/blocks.h"
 #include "pictures/cells.h"
-#include "run/notation.h"
-#include "run/run_state.h"
+#include "base/notation.h"
 
 namespace {
 
@@ -40,7 +39,7 @@ std::string_view trimmedName(std::string_view name) {
 
 // Writes a table line: the template's leading values, then cells 1..lastCell of one plane,
 // each as a value of one character.
-void writeCells(std::string_view tmpl, std::initializer_list<FmtValue> lead,
+void writeCells(Channel& status, std::string_view tmpl, std::initializer_list<FmtValue> lead,
                 const CellLine& line, int32_t plane, int32_t lastCell) {
   std::vector<FmtValue> values(lead);
   lastCell = std::clamp(lastCell, 0, line.width);
@@ -49,19 +48,19 @@ void writeCells(std::string_view tmpl, std::initializer_list<FmtValue> lead,
   for (int32_t c = 1; c <= lastCell; ++c) {
     values.emplace_back(std::string_view(&cells[static_cast<size_t>(c - 1)], 1));
   }
-  writeLine(runState.statusChannel, tmpl, values);
+  writeLine(status, tmpl, values);
 }
 
-void writeRule(const std::string& dashes, int32_t count) {
+void writeRule(Channel& status, const std::string& dashes, int32_t count) {
   count = std::clamp(count, 0, static_cast<int32_t>(dashes.size()));
-  writeLine(runState.statusChannel, "(1X,254A)",
+  writeLine(status, "(1X,254A)",
             {std::string_view(dashes).substr(0, static_cast<size_t>(count))});
 }
 
 // The 10 heading lines of a strip: the letter of line r of each column in its cell.
 // `cellOf(c, k)` gives the letter's cell; `bar(c, k)` the cell of a '|' or 0.
 template <class CellOf, class Bar>
-void writeHeading(std::string_view tmpl, TextTable alt, int32_t first, int32_t last,
+void writeHeading(Channel& status, std::string_view tmpl, TextTable alt, int32_t first, int32_t last,
                   int32_t W, int32_t lastCell, CellOf cellOf, Bar bar) {
   CellLine line;
   for (int32_t r = 1; r <= 10; ++r) {
@@ -72,49 +71,12 @@ void writeHeading(std::string_view tmpl, TextTable alt, int32_t first, int32_t l
       const int32_t b = bar(c, k);
       if (b > 0) cellPut(line, 1, b, '|');
     }
-    writeCells(tmpl, {}, line, 1, lastCell);
+    writeCells(status, tmpl, {}, line, 1, lastCell);
   }
 }
 
-void stopAtBlockCapacity(bool variables, int32_t limit) {
-  Channel& status = runState.statusChannel;
-  const char* tmpl =
-      variables ? "('  Exceeded maximum variable blocks which is',I4,/,"
-                  "' Expand or drop VARBLOCK option in MODRAKE.OPT')"
-                : "('  Exceeded maximum equation blocks which is',I4,/,"
-                  "' Expand or drop EQUBLOCK option in MODRAKE.OPT')";
-  writeLine(status, tmpl, {limit});
-  writeLine(runState.logChannel, tmpl, {limit});
-  if (variables) writeFree(status);
-  writeLine(status, "(A2)", {"=2"});
-  stopRun(77);
-}
 
 }  // namespace
-
-double nextBlockRhsStatus(double status, double r) {
-  const int32_t s = static_cast<int32_t>(status);
-  if (r > 0.0) {
-    switch (s) {
-      case 99: case 2: return 2.0;
-      case 1: case 0: return 1.0;
-      default: return RHS_MIXED;
-    }
-  }
-  if (r < 0.0) {
-    switch (s) {
-      case 99: case -2: return -2.0;
-      case 0: case -1: return -1.0;
-      default: return RHS_MIXED;
-    }
-  }
-  switch (s) {
-    case 99: case 0: return 0.0;
-    case 2: case 1: return 1.0;
-    case -1: case -2: return -1.0;
-    default: return RHS_MIXED;
-  }
-}
 
 int32_t blockTableWidth(int32_t pageWidth) { return std::clamp(pageWidth, 50, 254); }
 
@@ -166,12 +128,12 @@ void buildVerticalHeading(TextTable colBlockName, TextTable colBlockNameAlt,
   }
 }
 
-void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
+void printAggregatePicture(RunContext& run, int32_t nC, int32_t nR, TextTable colBlockName,
                            TextTable rowBlockName, TextTable colBlockNameAlt,
                            Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                            Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType) {
-  Channel& status = runState.statusChannel;
-  const int32_t W = blockTableWidth(runState.pageWidth);
+  Channel& status = run.statusChannel;
+  const int32_t W = blockTableWidth(run.pageWidth);
   writeLine(status, "(1X,/,1X,/,1X,/,1X)");
   buildVerticalHeading(colBlockName, colBlockNameAlt, nC + 1);
   const std::string dashes(static_cast<size_t>(std::min(W, 254)), '-');
@@ -188,9 +150,9 @@ void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
               s == 1 ? "(1X,/,1X,/,'### A. Aggregate Block Picture -- Strip',I4,/,1X,/,1X)"
                      : "(1X,/,1X,/,'   A. Aggregate Block Picture-- Strip',I4,/,1X,/,1X)",
               {s});
-    writeHeading("(14X,'|',254A1)", colBlockNameAlt, first, last, W, lastCell, cellOf,
+    writeHeading(status, "(14X,'|',254A1)", colBlockNameAlt, first, last, W, lastCell, cellOf,
                  [&](int32_t c, int32_t k) { return c == rhs && c != first ? 3 * k + 3 : 0; });
-    writeRule(dashes, 3 * (last - first) + 22);
+    writeRule(status, dashes, 3 * (last - first) + 22);
     for (int32_t e = 1; e <= nR; ++e) {
       cellLineClear(line, W);
       for (int32_t c = first; c <= last; ++c) {
@@ -205,9 +167,9 @@ void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
         }
         cellPut(line, 1, cellOf(c, k), code);
       }
-      writeCells("(1X,A10,3X,'|',254A1)", {rowBlockName.view(e)}, line, 1, lastCell + 3);
+      writeCells(status, "(1X,A10,3X,'|',254A1)", {rowBlockName.view(e)}, line, 1, lastCell + 3);
     }
-    writeRule(dashes, 3 * (last - first) + 22);
+    writeRule(status, dashes, 3 * (last - first) + 22);
     std::vector<std::string> letters;
     for (int32_t c = first; c <= std::min(last, nC); ++c) {
       letters.emplace_back(1, varTypeLetter(blockColBoundTable(c, 5)));
@@ -217,15 +179,15 @@ void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
   }
 }
 
-void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+void printBlockCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                       TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                       Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                       Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
                       TextTable colBlockNameAlt) {
   Table2<int32_t>& P = blockPairCount;
   Table2<int32_t>& Q = blockPairCountB;
-  Channel& status = runState.statusChannel;
-  const int32_t W = blockTableWidth(runState.pageWidth);
+  Channel& status = run.statusChannel;
+  const int32_t W = blockTableWidth(run.pageWidth);
   const int32_t rhs = nC + 1;
   const int32_t total = nR + 1;
 
@@ -262,11 +224,11 @@ void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairC
                      : "(1X,/,1X,/,'   B. Number of Coefficients by Block --',1X,'Strip',I4,"
                        "/,1X,/,1X)",
               {s});
-    writeHeading("(14X,'|',254A1)", colBlockNameAlt, first, last, W,
+    writeHeading(status, "(14X,'|',254A1)", colBlockNameAlt, first, last, W,
                  std::min(lastPos + 4, W - 19),
                  [&](int32_t c, int32_t k) { return posOf(c, k) + 4; }, bar);
     const int32_t ruleLength = 6 * (last - first) + 25;
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
 
     // One pair of lines of row e (nR + 1 for the totals).
     auto pairLines = [&](int32_t e, FmtValue title) {
@@ -285,11 +247,11 @@ void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairC
         putCount(line, 1, pos, 6, P(e, c), plain ? 0 : 1);
         putCount(line, 2, pos, 6, Q(e, c), plain ? 0 : -1);
       }
-      writeCells("(1X,A10,3X,'|',254A1)", {title}, line, 1, lastPos + 6);
-      writeCells("(1X,A10,3X,'|',254A1)", {""}, line, 2, lastPos + 6);
+      writeCells(status, "(1X,A10,3X,'|',254A1)", {title}, line, 1, lastPos + 6);
+      writeCells(status, "(1X,A10,3X,'|',254A1)", {""}, line, 2, lastPos + 6);
     };
     for (int32_t e = 1; e <= nR; ++e) pairLines(e, rowBlockName.view(e));
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
     pairLines(total, rowBlockName.view(total));
 
     cellLineClear(line, W);
@@ -299,7 +261,7 @@ void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairC
       const int32_t b = bar(c, k);
       if (b > 0) cellPut(line, 1, b, '|');
     }
-    writeCells("(1X,A10,3X,'|',254A1)", {"# of  Vars"}, line, 1, lastPos + 6);
+    writeCells(status, "(1X,A10,3X,'|',254A1)", {"# of  Vars"}, line, 1, lastPos + 6);
 
     std::vector<FmtValue> codes;
     for (int32_t c = first; c <= std::min(last, nC); ++c) {
@@ -309,7 +271,7 @@ void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairC
   }
 }
 
-void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+void printAverageCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                         TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                         Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                         Table2<int32_t> blockColBoundTable, TextTable colBlockNameAlt,
@@ -318,8 +280,8 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
   constexpr double kLowerCap = 0.0010000000474974513;
   Table2<int32_t>& P = blockPairCount;
   Table2<int32_t>& Q = blockPairCountB;
-  Channel& status = runState.statusChannel;
-  const int32_t W = blockTableWidth(runState.pageWidth);
+  Channel& status = run.statusChannel;
+  const int32_t W = blockTableWidth(run.pageWidth);
   const int32_t rhs = nC + 1;
   const int32_t total = nR + 1;
 
@@ -342,12 +304,12 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
                      : "(1X,/,1X,/,'    C. Average Number of',1X,"
                        "'Coefficients by Column Block -- Strip',I4,/,1X,/)",
               {s});
-    writeHeading("(12X,'|',254A)", colBlockNameAlt, first, last, W,
+    writeHeading(status, "(12X,'|',254A)", colBlockNameAlt, first, last, W,
                  std::min(lastPos + 6, W - 17),
                  [&](int32_t c, int32_t k) { return posOf(c, k) + 6; },
                  [](int32_t, int32_t) { return 0; });
     const int32_t ruleLength = 8 * (last - first) + 21 + (last > nC ? 4 : 0);
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
 
     const int32_t lastCell = std::min(lastPos + 8, W - 13);
     for (int32_t e = 1; e <= nR; ++e) {
@@ -375,10 +337,10 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
           putCount(line, 1, pos, 8, P(e, c), 0);
         }
       }
-      writeCells("(1X,A10,' |',254A)", {rowBlockName.view(e)}, line, 1, lastCell);
-      writeCells("(11X,' |',254A)", {}, line, 2, lastCell);
+      writeCells(status, "(1X,A10,' |',254A)", {rowBlockName.view(e)}, line, 1, lastCell);
+      writeCells(status, "(11X,' |',254A)", {}, line, 2, lastCell);
     }
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
 
     // Averages of the whole variable blocks.
     auto bottomPos = [&](int32_t c, int32_t k) { return c == rhs ? 8 * k + 4 : 8 * k + 1; };
@@ -396,8 +358,8 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
       }
     }
     const int32_t bottomCell = std::min(bottomPos(last, last - first) + 8, W - 13);
-    writeCells("(1X,A10,' |',254A)", {rowBlockName.view(total)}, line, 1, bottomCell);
-    writeCells("(11X,' |',254A)", {}, line, 2, bottomCell);
+    writeCells(status, "(1X,A10,' |',254A)", {rowBlockName.view(total)}, line, 1, bottomCell);
+    writeCells(status, "(11X,' |',254A)", {}, line, 2, bottomCell);
 
     std::vector<FmtValue> sizes;
     std::vector<FmtValue> codes;
@@ -410,17 +372,17 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
       writeLine(status, "(1X,A10,' |',I7,34I8)", sizes);
     }
     writeLine(status, "('  Var Type  |',4X,A3,34(5X,A3))", codes);
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
   }
 }
 
-void printBlockScaling(Table2<double> blockPairMax, Table2<double> blockPairMin,
+void printBlockScaling(RunContext& run, Table2<double> blockPairMax, Table2<double> blockPairMin,
                        TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                        TextTable colBlockNameAlt) {
   Table2<double>& X = blockPairMax;
   Table2<double>& N = blockPairMin;
-  Channel& status = runState.statusChannel;
-  const int32_t W = blockTableWidth(runState.pageWidth);
+  Channel& status = run.statusChannel;
+  const int32_t W = blockTableWidth(run.pageWidth);
   const int32_t total = nR + 1;
   const int32_t extremes = nC + 2;
 
@@ -458,12 +420,12 @@ void printBlockScaling(Table2<double> blockPairMax, Table2<double> blockPairMin,
                      : "(1X,/,1X,/,'   D. Scaling - Maximum &',1X,"
                        "'Minimum Coefficients by Block -- Strip',I4,/,1X,/,1X)",
               {s});
-    writeHeading("(11X,'    |',254A)", colBlockNameAlt, first, last, W,
+    writeHeading(status, "(11X,'    |',254A)", colBlockNameAlt, first, last, W,
                  std::min(lastPos + 8, W - 16),
                  [](int32_t, int32_t k) { return 10 * k + 9; },
                  [](int32_t, int32_t) { return 0; });
     const int32_t ruleLength = 10 * (last - first + 1) + 18;
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
     const int32_t lastCell = std::min(lastPos + 10, W - 16);
     auto pairLines = [&](int32_t e, FmtValue title) {
       cellLineClear(line, W);
@@ -472,139 +434,133 @@ void printBlockScaling(Table2<double> blockPairMax, Table2<double> blockPairMin,
         putReal(line, 1, pos, 10, X(e, c), 0, 4, 0.0, 0.0, 0);
         putReal(line, 2, pos, 10, N(e, c), 0, 4, 0.0, 0.0, 0);
       }
-      writeCells("(1X,A10,' Max|',254A)", {title}, line, 1, lastCell);
-      writeCells("(1X,10X,' Min|',254A)", {}, line, 2, lastCell);
+      writeCells(status, "(1X,A10,' Max|',254A)", {title}, line, 1, lastCell);
+      writeCells(status, "(1X,10X,' Min|',254A)", {}, line, 2, lastCell);
     };
     for (int32_t e = 1; e <= nR; ++e) pairLines(e, rowBlockName.view(e));
-    writeRule(dashes, ruleLength);
+    writeRule(status, dashes, ruleLength);
     pairLines(total, "Total Var");
   }
   writeLine(status, "(15X,' ')");
 }
 
-void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
-                     int32_t& rowBlockUsed, int32_t icblock, int32_t irblock,
-                     TextTable colBlockName, TextTable rowBlockName,
-                     Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
-                     ovdHandle dictionary, Vec1<int32_t> colBlockOf, Vec1<int32_t> rowBlockOf,
-                     TextTable colBlockNameAlt, Table2<double> blockPairMax,
-                     Table2<double> blockPairMin, Table2<int32_t> blockPairCount,
-                     Table2<int32_t> blockPairCountB, Table3<int32_t> colSignTable,
-                     Table3<int32_t> rowSignTable, Vec1<double> blockRowRhs,
-                     Vec1<int32_t> blockRowType, Table2<int32_t> blockColBoundTable,
-                     Table2<double> rowActivity, Vec1<double> rowScale, Vec1<double> colScale) {
-  RunState& rs = runState;
+void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
+  const int32_t rowCount = rs.rowCount, colCount = rs.colCount;
+  const int32_t icblock = rs.icblock, irblock = rs.irblock;
+  ovdHandle dictionary = rs.dictionary;
+  int32_t colBlockUsed = 0;
+  int32_t rowBlockUsed = 0;
   ovmHandle model = rs.model;
-  buildBlockTables(rowCount, colCount, colBlockUsed, rowBlockUsed, icblock, irblock,
-                   colBlockName, rowBlockName, colBlockCount, rowBlockCount, dictionary,
-                   colBlockOf, rowBlockOf);
+  buildBlockTables(rs, rowCount, colCount, colBlockUsed, rowBlockUsed, icblock, irblock,
+                   w.colBlockName, w.rowBlockName, w.colBlockCount, w.rowBlockCount, dictionary,
+                   w.colBlockOf, w.rowBlockOf);
   const int32_t nC = colBlockUsed;
   const int32_t nR = rowBlockUsed;
   // The tables keep three title columns behind the variable blocks and a total row behind
   // the equation blocks.
-  if (nC + 3 > icblock || nC + 3 > blockPairCount.cols) {
-    stopAtBlockCapacity(true, std::max(std::min(icblock, blockPairCount.cols) - 3, 0));
+  if (nC + 3 > icblock || nC + 3 > w.blockPairCount.cols) {
+    blockCapacityStop(rs, true, std::max(std::min(icblock, w.blockPairCount.cols) - 3, 0));
   }
-  if (nR + 1 > irblock || nR + 1 > blockPairCount.rows) {
-    stopAtBlockCapacity(false, std::max(std::min(irblock, blockPairCount.rows) - 1, 0));
+  if (nR + 1 > irblock || nR + 1 > w.blockPairCount.rows) {
+    blockCapacityStop(rs, false, std::max(std::min(irblock, w.blockPairCount.rows) - 1, 0));
   }
 
-  rowSignTable.fill(0);
-  colSignTable.fill(0);
-  for (int32_t c = 1; c <= blockColBoundTable.rows; ++c) {
-    blockColBoundTable(c, 1) = 0;
-    blockColBoundTable(c, 2) = NO_LOWER;
-    blockColBoundTable(c, 3) = NO_UPPER;
-    blockColBoundTable(c, 4) = 0;
-    blockColBoundTable(c, 5) = 0;
+  w.rowSignTable.fill(0);
+  w.colSignTable.fill(0);
+  for (int32_t c = 1; c <= w.blockColBoundTable.rows; ++c) {
+    w.blockColBoundTable(c, 1) = 0;
+    w.blockColBoundTable(c, 2) = NO_LOWER;
+    w.blockColBoundTable(c, 3) = NO_UPPER;
+    w.blockColBoundTable(c, 4) = 0;
+    w.blockColBoundTable(c, 5) = 0;
   }
-  blockPairMax.fill(0.0);
-  blockPairMin.fill(BLOCK_MIN_START);
-  blockPairCount.fill(0);
-  blockPairCountB.fill(0);
-  blockRowType.fill(-1);
-  blockRowRhs.fill(RHS_NONE_YET);
+  w.blockPairMax.fill(0.0);
+  w.blockPairMin.fill(BLOCK_MIN_START);
+  w.blockPairCount.fill(0);
+  w.blockPairCountB.fill(0);
+  w.blockRowType.fill(-1);
+  w.blockRowRhs.fill(RHS_NONE_YET);
 
   const int32_t rhs = nC + 1;
   for (int32_t i = 1; i <= rowCount; ++i) {
-    const int32_t e = rowBlockOf[i];
-    rowScale[i] = rs.useScale != 0 ? ovmGetEquScaleOne(model, i) : 1.0;
-    blockRowType[e] = ovmGetEquTypeOne(model, i);
-    const double r = ovmGetRhsOne(model, i) * rowScale[i];
-    blockRowRhs[e] = nextBlockRhsStatus(blockRowRhs[e], r);
+    const int32_t e = w.rowBlockOf[i];
+    w.rowScale[i] = rs.useScale != 0 ? ovmGetEquScaleOne(model, i) : 1.0;
+    w.blockRowType[e] = ovmGetEquTypeOne(model, i);
+    const double r = ovmGetRhsOne(model, i) * w.rowScale[i];
+    w.blockRowRhs[e] = nextBlockRhsStatus(w.blockRowRhs[e], r);
     const double size = std::fabs(r);
-    if (size > blockPairMax(e, rhs)) blockPairMax(e, rhs) = size;
-    if (size < blockPairMin(e, rhs) && size > 0.0) blockPairMin(e, rhs) = size;
-    if (r > 0.0) ++blockPairCount(e, rhs);
-    if (r < 0.0) ++blockPairCountB(e, rhs);
+    if (size > w.blockPairMax(e, rhs)) w.blockPairMax(e, rhs) = size;
+    if (size < w.blockPairMin(e, rhs) && size > 0.0) w.blockPairMin(e, rhs) = size;
+    if (r > 0.0) ++w.blockPairCount(e, rhs);
+    if (r < 0.0) ++w.blockPairCountB(e, rhs);
   }
 
   for (int32_t j = 1; j <= colCount; ++j) {
-    const int32_t c = colBlockOf[j];
+    const int32_t c = w.colBlockOf[j];
     double lower = 0.0;
     double upper = 0.0;
-    const int32_t t = readColumnBounds(model, j, colScale, c, blockColBoundTable, lower, upper);
-    walkColumn(model, j, rowCount, colScale, rowScale, [&](int32_t i, double a, int32_t nl) {
-      const int32_t e = rowBlockOf[i];
+    const int32_t t = readColumnBounds(rs, j, w.colScale, c, w.blockColBoundTable, lower, upper);
+    walkColumn(model, j, rowCount, w.colScale, w.rowScale, [&](int32_t i, double a, int32_t nl) {
+      const int32_t e = w.rowBlockOf[i];
       if (j == rs.objVar && rs.objRow == 0) rs.objRow = i;
       const double size = std::fabs(a);
-      if (size > blockPairMax(e, c)) blockPairMax(e, c) = size;
-      if (size < blockPairMin(e, c)) blockPairMin(e, c) = size;
+      if (size > w.blockPairMax(e, c)) w.blockPairMax(e, c) = size;
+      if (size < w.blockPairMin(e, c)) w.blockPairMin(e, c) = size;
       if (nl > 0) {
-        ++rowSignTable(e, 1, 3);
-        ++colSignTable(c, 1, 3);
+        ++w.rowSignTable(e, 1, 3);
+        ++w.colSignTable(c, 1, 3);
       }
       if (a > 0.0) {
-        ++rowSignTable(e, t, 1);
-        ++blockPairCount(e, c);
-        ++colSignTable(c, rowTypeSlot(blockRowType[e]), 1);
+        ++w.rowSignTable(e, t, 1);
+        ++w.blockPairCount(e, c);
+        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), 1);
       } else if (a < 0.0) {
-        ++rowSignTable(e, t, 2);
-        ++blockPairCountB(e, c);
-        ++colSignTable(c, rowTypeSlot(blockRowType[e]), 2);
+        ++w.rowSignTable(e, t, 2);
+        ++w.blockPairCountB(e, c);
+        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), 2);
       }
     });
   }
 
   // The objective row's block turns into the objective cells of every variable block.
   if (rs.objRow > 0 && rs.objRow <= rowCount) {
-    const int32_t eo = rowBlockOf[rs.objRow];
+    const int32_t eo = w.rowBlockOf[rs.objRow];
     int32_t f = rs.minimizing ? -1 : 1;
     if (rs.objVar > 0 && rs.objVar <= colCount &&
-        blockPairCount(eo, colBlockOf[rs.objVar]) > 0) {
+        w.blockPairCount(eo, w.colBlockOf[rs.objVar]) > 0) {
       f = -f;
     }
     for (int32_t c = 1; c <= nC; ++c) {
-      const int32_t p = blockPairCount(eo, c);
-      const int32_t q = blockPairCountB(eo, c);
-      colSignTable(c, 1, 1) -= p;
-      colSignTable(c, 1, 2) -= q;
-      colSignTable(c, 4, 1) = f >= 1 ? p : q;
-      colSignTable(c, 4, 2) = f >= 1 ? q : p;
+      const int32_t p = w.blockPairCount(eo, c);
+      const int32_t q = w.blockPairCountB(eo, c);
+      w.colSignTable(c, 1, 1) -= p;
+      w.colSignTable(c, 1, 2) -= q;
+      w.colSignTable(c, 4, 1) = f >= 1 ? p : q;
+      w.colSignTable(c, 4, 2) = f >= 1 ? q : p;
     }
   }
 
-  colBlockName.set(nC + 2, "Coeff Cnts");
-  colBlockName.set(nC + 3, "# of  Eqns");
-  rowBlockName.set(nR + 1, "Coeff Cnts");
-  printAggregatePicture(nC, nR, colBlockName, rowBlockName, colBlockNameAlt, blockPairCount,
-                        blockPairCountB, blockColBoundTable, blockRowType);
-  printBlockCounts(blockPairCount, blockPairCountB, colBlockName, rowBlockName, nC, nR,
-                   colBlockCount, rowBlockCount, blockColBoundTable, blockRowType,
-                   colBlockNameAlt);
-  colBlockName.set(nC + 2, "Cfs PerEqu");
-  rowBlockName.set(nR + 1, "Cfs PerVar");
-  printAverageCounts(blockPairCount, blockPairCountB, colBlockName, rowBlockName, nC, nR,
-                     colBlockCount, rowBlockCount, blockColBoundTable, colBlockNameAlt,
-                     blockRowType);
-  colBlockName.set(nC + 1, "RHS MaxMin");
-  colBlockName.set(nC + 2, "Equ MaxMin");
-  printBlockScaling(blockPairMax, blockPairMin, colBlockName, rowBlockName, nC, nR,
-                    colBlockNameAlt);
+  w.colBlockName.set(nC + 2, "Coeff Cnts");
+  w.colBlockName.set(nC + 3, "# of  Eqns");
+  w.rowBlockName.set(nR + 1, "Coeff Cnts");
+  printAggregatePicture(rs, nC, nR, w.colBlockName, w.rowBlockName, w.colBlockNameAlt, w.blockPairCount,
+                        w.blockPairCountB, w.blockColBoundTable, w.blockRowType);
+  printBlockCounts(rs, w.blockPairCount, w.blockPairCountB, w.colBlockName, w.rowBlockName, nC, nR,
+                   w.colBlockCount, w.rowBlockCount, w.blockColBoundTable, w.blockRowType,
+                   w.colBlockNameAlt);
+  w.colBlockName.set(nC + 2, "Cfs PerEqu");
+  w.rowBlockName.set(nR + 1, "Cfs PerVar");
+  printAverageCounts(rs, w.blockPairCount, w.blockPairCountB, w.colBlockName, w.rowBlockName, nC, nR,
+                     w.colBlockCount, w.rowBlockCount, w.blockColBoundTable, w.colBlockNameAlt,
+                     w.blockRowType);
+  w.colBlockName.set(nC + 1, "RHS MaxMin");
+  w.colBlockName.set(nC + 2, "Equ MaxMin");
+  printBlockScaling(rs, w.blockPairMax, w.blockPairMin, w.colBlockName, w.rowBlockName, nC, nR,
+                    w.colBlockNameAlt);
 
   const int32_t skip =
-      rs.objVar > 0 && rs.objVar <= colCount ? colBlockOf[rs.objVar] : 0;
-  reportBlockFindings(nC, nR, colBlockName, rowBlockName, colSignTable, rowSignTable,
-                      blockColBoundTable, blockRowType, blockRowRhs, rowActivity, skip,
+      rs.objVar > 0 && rs.objVar <= colCount ? w.colBlockOf[rs.objVar] : 0;
+  reportBlockFindings(rs, nC, nR, w.colBlockName, w.rowBlockName, w.colSignTable, w.rowSignTable,
+                      w.blockColBoundTable, w.blockRowType, w.blockRowRhs, w.rowActivity, skip,
                       dictionary);
 }

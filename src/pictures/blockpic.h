@@ -6,7 +6,9 @@
 
 #include <cstdint>
 
+#include "base/run_context.h"
 #include "host/host.h"
+#include "model/regions.h"
 #include "model/views.h"
 
 // Start of every blockPairMin cell: no coefficient seen yet.
@@ -14,13 +16,6 @@ inline constexpr double BLOCK_MIN_START = 1.9e+22;
 // A minimum at or above this after the sums is shown as empty.
 inline constexpr double SENTINEL_MIN = 1.899999e+22;
 
-// Status codes of blockRowRhs: the signs of the right-hand sides seen in a block.
-inline constexpr double RHS_NONE_YET = 99.0;
-inline constexpr double RHS_MIXED = -99.0;
-
-// The next blockRowRhs status after a row with right-hand side r: 2 all positive, 1 positive
-// and zero, 0 all zero, -1 negative and zero, -2 all negative, -99 both signs, 99 none yet.
-double nextBlockRhsStatus(double status, double r);
 
 // The width the block tables work with: pageWidth held to 50..254.
 int32_t blockTableWidth(int32_t pageWidth);
@@ -37,21 +32,21 @@ void buildVerticalHeading(TextTable colBlockName, TextTable colBlockNameAlt, int
 
 // Table A: the sign code of every pair of blocks, the RHS column with the row type letters,
 // and the variable type letters.
-void printAggregatePicture(int32_t nC, int32_t nR, TextTable colBlockName,
+void printAggregatePicture(RunContext& run, int32_t nC, int32_t nR, TextTable colBlockName,
                            TextTable rowBlockName, TextTable colBlockNameAlt,
                            Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                            Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType);
 
 // Table B: counts of positive and negative coefficients per pair. Adds the row and column
 // sums into the pair tables in place (columns nC+2, nC+3 and row nR+1), which table C reads.
-void printBlockCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+void printBlockCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                       TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                       Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                       Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
                       TextTable colBlockNameAlt);
 
 // Table C: the counts of table B over the block sizes, after printBlockCounts.
-void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
+void printAverageCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<int32_t> blockPairCountB,
                         TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                         Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                         Table2<int32_t> blockColBoundTable, TextTable colBlockNameAlt,
@@ -59,24 +54,13 @@ void printAverageCounts(Table2<int32_t> blockPairCount, Table2<int32_t> blockPai
 
 // Table D: largest and smallest absolute coefficient per pair, with the extremes of each
 // equation block (column nC+2) and of each variable block (row nR+1) made in place.
-void printBlockScaling(Table2<double> blockPairMax, Table2<double> blockPairMin,
+void printBlockScaling(RunContext& run, Table2<double> blockPairMax, Table2<double> blockPairMin,
                        TextTable colBlockName, TextTable rowBlockName, int32_t nC, int32_t nR,
                        TextTable colBlockNameAlt);
 
-// The whole BLOCKPIC report, after the request loop has written the titles and carved the
-// work array in phase 4. Reads the model through runState.model; sets runState.objRow when
-// the model has an objective variable but no objective row. The tables need three further
-// column places and one further row place beyond the blocks: a model with more than
-// icblock - 3 variable blocks or irblock - 1 equation blocks stops the run with the block
-// capacity message (exit code 77).
-void runBlockPicture(int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,
-                     int32_t& rowBlockUsed, int32_t icblock, int32_t irblock,
-                     TextTable colBlockName, TextTable rowBlockName,
-                     Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
-                     ovdHandle dictionary, Vec1<int32_t> colBlockOf, Vec1<int32_t> rowBlockOf,
-                     TextTable colBlockNameAlt, Table2<double> blockPairMax,
-                     Table2<double> blockPairMin, Table2<int32_t> blockPairCount,
-                     Table2<int32_t> blockPairCountB, Table3<int32_t> colSignTable,
-                     Table3<int32_t> rowSignTable, Vec1<double> blockRowRhs,
-                     Vec1<int32_t> blockRowType, Table2<int32_t> blockColBoundTable,
-                     Table2<double> rowActivity, Vec1<double> rowScale, Vec1<double> colScale);
+// The whole BLOCKPIC report, after the request loop has written the titles and laid out its
+// phase. Sets run.objRow when the model has an objective variable but no objective row. The
+// tables need three further column places and one further row place beyond the blocks: a model
+// with more than icblock - 3 variable blocks or irblock - 1 equation blocks stops the run with
+// the block capacity message (exit code 77).
+void runBlockPicture(const BlockPicRegions& regions, RunContext& run);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "run/run_state.h"
+#include "base/run_context.h"
 
 LineRead readRequestFileLine(std::FILE* file, std::string& line, int32_t length) {
   const size_t width = length > 0 ? static_cast<size_t>(length) : 0;
@@ -38,8 +38,8 @@ char unControl(char c) { return static_cast<unsigned char>(c) < 21 ? ' ' : c; }
 
 }  // namespace
 
-void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t /*mode*/,
-                          int32_t length) {
+void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t length,
+                          RunContext* commentsTo) {
   const size_t width = length > 0 ? static_cast<size_t>(length) : 0;
   line.resize(width, ' ');
   const std::string raw = line;
@@ -68,14 +68,16 @@ void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t /*mode*
 
   if (!line.empty() && line[0] == '#') {
     isComment = 1;
-    runState.commentCount += 1;
-    if (runState.commentCount <= COMMENT_CAPACITY) {
+    if (commentsTo == nullptr) return;
+    RunContext& run = *commentsTo;
+    run.commentCount += 1;
+    if (run.commentCount <= COMMENT_CAPACITY) {
       // The comment as typed, from its first character after the "#" marks and blanks.
       size_t from = 1;
       while (from < n && (raw[from] == ' ' || raw[from] == '#')) ++from;
       std::string text = from < n ? raw.substr(from, std::min<size_t>(72, n - from)) : "";
       text.resize(COMMENT_LEN, ' ');
-      runState.commentLines[static_cast<size_t>(runState.commentCount - 1)] = text;
+      run.commentLines[static_cast<size_t>(run.commentCount - 1)] = text;
     }
     return;
   }

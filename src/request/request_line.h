@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string>
 
+struct RunContext;
+
 enum class LineRead { Ok, End, Error };
 
 // Reads the next line of `file` into `line`, blank-padded to `length` characters (MAX_LINE for
@@ -17,6 +19,7 @@ LineRead readRequestFileLine(std::FILE* file, std::string& line, int32_t length)
 // Normalizes a line in place, to `length` characters: leading blanks and apostrophes go,
 // control characters count as blanks, letters become capitals, and blanks are dropped up to the
 // first "(". `isComment` is 1 for a line that carries no request: a blank line, a silent "?"
-// comment, or an echoed "#" comment, which is kept in runState.commentLines (the first
-// COMMENT_CAPACITY of them; commentCount counts them all). `mode` is 1 for all callers.
-void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t mode, int32_t length);
+// comment, or an echoed "#" comment, which is kept in commentsTo->commentLines when a run is
+// given (the first COMMENT_CAPACITY of them; commentCount counts them all).
+void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t length,
+                          RunContext* commentsTo);

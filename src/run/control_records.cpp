@@ -83,7 +83,7 @@ bool parseControlInteger(std::string_view record, int32_t& value, std::string& w
   return true;
 }
 
-bool readControlRecords(std::FILE* file, const std::string& path, RunState& state,
+bool readControlRecords(std::FILE* file, const std::string& path, RunContext& state,
                         std::string& error) {
   std::array<int32_t*, 7> integers = {&state.colSelCapacity, &state.rowSelCapacity,
                                       &state.icblock,        &state.irblock,
@@ -113,7 +113,7 @@ bool readControlRecords(std::FILE* file, const std::string& path, RunState& stat
   return true;
 }
 
-void applyBlockDefaults(RunState& state, int32_t symbolCount) {
+void applyBlockDefaults(RunContext& state, int32_t symbolCount) {
   if (state.irblock < 1) state.irblock = symbolCount + 3;
   if (state.icblock < 1) state.icblock = symbolCount + 3;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-struct RunState;
+struct RunContext;
 
 // Joins the pieces, each without its leading and trailing blanks, into at most MAX_LINE
 // characters; what does not fit is lost.
@@ -25,9 +25,9 @@ bool parseControlInteger(std::string_view record, int32_t& value, std::string& w
 // Reads records 1 to 8 into solutionExpected, colSelCapacity, rowSelCapacity, icblock,
 // irblock, scaleRequest, largeLevelExp, largeMarginalExp. False with `error` naming the file,
 // the line and the fault.
-bool readControlRecords(std::FILE* file, const std::string& path, RunState& state,
+bool readControlRecords(std::FILE* file, const std::string& path, RunContext& state,
                         std::string& error);
 
 // The block rule of records 4 and 5, once the dictionary is loaded: a capacity under 1 becomes
 // the number of symbols + 3.
-void applyBlockDefaults(RunState& state, int32_t symbolCount);
+void applyBlockDefaults(RunContext& state, int32_t symbolCount);

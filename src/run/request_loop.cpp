@@ -7,27 +7,12 @@
 
 #include "host/control_file.h"
 #include "host/host.h"
+#include "base/procedures.h"
 #include "request/request_line.h"
 #include "run/dispatch.h"
 #include "run/run_state.h"
 
 namespace {
-
-struct KeywordEntry {
-  std::string_view text;
-  int32_t procIndex;
-};
-
-// The keyword table; the $ forms come second, in the same order.
-constexpr std::array<KeywordEntry, 18> kKeywords = {{
-    {"DISPLAYCR", 1},  {"POSTOPT", 2},  {"PICTURE", 3},  {"BLOCKPIC", 4},  {"ANALYSIS", 5},
-    {"BLOCKLIST", 6},  {"MATCHIT", 7},  {"NONOPT", 8},   {"ADVISORY", 9},  {"$DISPLAYCR", 1},
-    {"$POSTOPT", 2},   {"$PICTURE", 3}, {"$BLOCKPIC", 4}, {"$ANALYSIS", 5}, {"$BLOCKLIST", 6},
-    {"$MATCHIT", 7},   {"$NONOPT", 8},  {"$ADVISORY", 9},
-}};
-
-// Blanks behind the keyword in the three title lines.
-constexpr std::array<int32_t, 10> kTitleBlanks = {0, 0, 0, 2, 1, 1, 1, 1, 0, 0};
 
 // The first NAME_LEN characters of a text, blank-padded.
 std::string keywordText(std::string_view text) {
@@ -96,7 +81,7 @@ bool readKeywordLine() {
       return false;
     }
     int32_t isComment = 0;
-    normalizeRequestLine(runState.requestLine, isComment, 1, MAX_LINE);
+    normalizeRequestLine(runState.requestLine, isComment, MAX_LINE, &runState);
     if (isComment > 0) continue;
     if (runState.commentCount > 0) echoComments();
     runState.currentKeyword = keywordText(runState.requestLine);
@@ -136,23 +121,16 @@ void fixPageWidth() {
     ovmModelStatSet(runState.model, 14);
   }
   writeLine(runState.statusChannel, "A2", {"=2"});
-  stopRun(0);
+  stopRun(runState, 0);
 }
 
 }  // namespace
 
-std::string_view procedureKeyword(int32_t procIndex) {
-  if (procIndex < 1 || procIndex > 9) return {};
-  return kKeywords[static_cast<size_t>(procIndex - 1)].text;
-}
-
 void lookupKeyword(std::string_view text, int32_t& index, int32_t mode) {
   const std::string k = keywordText(text);
-  for (const KeywordEntry& e : kKeywords) {
-    if (k.compare(0, e.text.size(), e.text) == 0) {
-      index = e.procIndex;
-      return;
-    }
+  if (const ProcedureRow* row = procedureOfLine(k)) {
+    index = static_cast<int32_t>(row->proc);
+    return;
   }
   if (k.starts_with("PW=") || k.starts_with("$PW=")) {
     setPageWidth(k);
@@ -212,9 +190,9 @@ void echoComments() {
   runState.commentCount = 0;
 }
 
-void writeProcedureTitles(int32_t procIndex) {
-  std::string keyword(procedureKeyword(procIndex));
-  keyword.append(static_cast<size_t>(kTitleBlanks[static_cast<size_t>(procIndex)]), ' ');
+void writeProcedureTitles(const ProcedureRow& row) {
+  std::string keyword(row.keyword);
+  keyword.append(static_cast<size_t>(row.titleBlanks), ' ');
   writeFree(runState.logChannel, {"#### Executing " + keyword});
   writeFree(runState.statusChannel, {"----#### Executing " + keyword});
   writeLine(runState.statusChannel, "A", {"=L#### MODRAKE " + keyword});
@@ -264,7 +242,8 @@ void runRequestLoop() {
     }
 
     fixPageWidth();
-    const bool sectionRead = runProcedure(runState.procIndex);
+    const bool sectionRead =
+        runProcedure(procedureRow(static_cast<Proc>(runState.procIndex)), runState);
     loop.procedureRan = true;
     if (sectionRead) next = Next::Dispatch;
   }

@@ -6,13 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "base/procedures.h"
+
 // procIndex values besides the nine procedures (1 DISPLAYCR ... 9 ADVISORY).
 inline constexpr int32_t PROC_PAGE_WIDTH = 99;
 inline constexpr int32_t PROC_END = -1;
 inline constexpr int32_t PROC_NONE = 0;
-
-// The keyword of procedure 1..9, e.g. "BLOCKPIC".
-std::string_view procedureKeyword(int32_t procIndex);
 
 // Looks `text` (its first NAME_LEN characters) up in the keyword table: 1..9 for a procedure,
 // plain or in its $ form, with anything behind the keyword; 99 for a PW= or $PW= line, whose
@@ -34,7 +33,7 @@ void echoComments();
 
 // The three title lines of a procedure: log "#### Executing KW", status "----#### Executing KW"
 // and "=L#### MODRAKE KW", each with the keyword's trailing blanks.
-void writeProcedureTitles(int32_t procIndex);
+void writeProcedureTitles(const ProcedureRow& row);
 
 // From the end of start-up to the end of the run: reads the request file, runs a procedure
 // for each keyword, and ends the run ("MODRAKE All Done", "=2", exit 0). Does not return.

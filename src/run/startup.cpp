@@ -10,6 +10,7 @@
 #include "model/matrix_store.h"
 #include "model/work_array.h"
 #include "run/control_records.h"
+#include "run/dispatch.h"
 #include "run/request_loop.h"
 #include "run/run_main.h"
 #include "run/run_state.h"
@@ -63,7 +64,7 @@ void takeAuditLine() {
 [[noreturn]] void stopEarly(std::string_view words, std::string_view detail) {
   Channel out{stdout, nullptr};
   writeFree(out, {words, detail});
-  stopRun(0);
+  stopRun(runState, 0);
 }
 
 // The same words on the log and, with the template applied again, on the status channel.
@@ -102,7 +103,7 @@ void openingLines(Channel& channel) {
   writeFree(runState.logChannel, {runState.hostMessage});
   writeLine(runState.statusChannel, "A", {"=C" + std::string(words)});
   writeLine(runState.statusChannel, "A,A", {"=C", runState.hostMessage});
-  stopRun(0);
+  stopRun(runState, 0);
 }
 
 // Step 8: file names, the control records, the analysis scratch file.
@@ -120,17 +121,17 @@ void readRunParameters() {
   runState.controlChannel = std::fopen(runState.controlPath.c_str(), "r");
   if (runState.controlChannel == nullptr) {
     writeBothFree("*** Could not open control file " + runState.controlPath);
-    stopRun(0);
+    stopRun(runState, 0);
   }
   std::string error;
   if (!readControlRecords(runState.controlChannel, runState.controlPath, runState, error)) {
     writeBothFree("*** Could not read control file " + error);
-    stopRun(0);
+    stopRun(runState, 0);
   }
   runState.analysisChannel = openReadWrite(runState.analysisPath);
   if (runState.analysisChannel == nullptr) {
     writeBothFree("*** Could not open analysis file " + runState.analysisPath);
-    stopRun(0);
+    stopRun(runState, 0);
   }
 }
 
@@ -153,7 +154,7 @@ void runMain(int argc, char** argv) {
   if (word == "AUDIT") {
     Channel out{stdout, nullptr};
     writeLine(out, "A", {runState.auditLine});
-    stopRun(0);
+    stopRun(runState, 0);
   }
 
   // 3.
@@ -185,13 +186,13 @@ void runMain(int argc, char** argv) {
   runState.statusChannel.file = statusPath.empty() ? nullptr : std::fopen(statusPath.c_str(), "a");
   if (runState.statusChannel.file == nullptr) {
     writeFree(runState.logChannel, {"*** Could not create status file."});
-    stopRun(0);
+    stopRun(runState, 0);
   }
 
   // 7. The model.
   if (ovmLoadDataLegacy(runState.model, runState.hostMessage) != 0) {
     writeFree(runState.logChannel, {"*** Could not load ORVA model data.", runState.hostMessage});
-    stopRun(0);
+    stopRun(runState, 0);
   }
   oveTerminateInstall(runState.environment);
   ovmIndexBaseSet(runState.model, 1);
@@ -242,35 +243,29 @@ void runMain(int argc, char** argv) {
     ovmSolveStatSet(model, 6);
     ovmModelStatSet(model, 14);
     ovmUnloadSolutionLegacy(model);
-    stopRun(0);
+    stopRun(runState, 0);
   }
 
   // 16. The work array.
   int64_t total = 0;
-  int32_t status = 0;
-  partitionWorkArray(1, total, 0, PICTURE_WIDTH, status);
+  const bool fits = partitionWorkArray(Phase::Largest, workArraySizes(runState), 1, total);
   writeLine(runState.statusChannel, "A2", {"=1"});
-  if (status != 0) {
-    writeBoth("1X,'Overflow of signed integers when partitioning memory.'");
-    writeBoth("1X,'Hint: do you have many equation or variable symbols?'");
-    writeBoth("1X,'  irblock =',I8,'  icblock =',I8", {runState.irblock, runState.icblock});
-    stopRun(0);
-  }
+  if (!fits) partitionOverflowStop(runState);
   if (!allocateWorkArray(total)) {
     writeBoth("1X,'Failure attempting to allocate ',I12,' words.'",
               {static_cast<long long>(total)});
-    stopRun(0);
+    stopRun(runState, 0);
   }
 
   // 17. The Jacobian store.
   if (openJacobian(runState.environment, model, runState.rowCount, runState.colCount,
                    runState.nzCount) != 0) {
     writeBoth("1X,'Failure attempting to allocate Jacobian storage.'");
-    stopRun(0);
+    stopRun(runState, 0);
   }
   if (fillJacobian(runState.environment, model)) {
     writeBoth("1X,'Failure attempting to fill Jacobian storage.'");
-    stopRun(0);
+    stopRun(runState, 0);
   }
 
   // 18.

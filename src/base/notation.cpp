@@ -12,7 +12,7 @@
 //   writeLine(runState.statusChannel, "(1X,'Failure attempting to allocate ',I12,' words.')", {n});
 // Never format a line once and copy it to the other channel.
 
-#include "run/notation.h"
+#include "base/notation.h"
 
 #include <algorithm>
 #include <array>
