@@ -1,0 +1,49 @@
+#include "golden.h"
+
+#include <fstream>
+
+std::vector<std::string> readLines(const std::filesystem::path& path) {
+  std::vector<std::string> lines;
+  std::ifstream in(path, std::ios::binary);
+  std::string line;
+  while (std::getline(in, line)) lines.push_back(line);
+  return lines;
+}
+
+::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,
+                                         const std::string& name,
+                                         const std::map<std::string, std::string>& vars,
+                                         bool prefix) {
+  const std::filesystem::path path = std::filesystem::path(SOURCE_DIR) / "tests/golden" / name;
+  if (!std::filesystem::exists(path)) {
+    return ::testing::AssertionFailure() << "no golden file " << path.string();
+  }
+  std::vector<std::string> golden = readLines(path);
+  for (std::string& line : golden) {
+    for (const auto& [key, value] : vars) {
+      const std::string mark = "@" + key + "@";
+      for (size_t at = line.find(mark); at != std::string::npos; at = line.find(mark, at)) {
+        line.replace(at, mark.size(), value);
+        at += value.size();
+      }
+    }
+  }
+  const size_t common = std::min(lines.size(), golden.size());
+  for (size_t k = 0; k < common; ++k) {
+    if (lines[k] != golden[k]) {
+      return ::testing::AssertionFailure()
+             << name << ", line " << k + 1 << ":\n  expected [" << golden[k] << "]\n  actual   ["
+             << lines[k] << "]";
+    }
+  }
+  if (lines.size() < golden.size()) {
+    return ::testing::AssertionFailure() << name << ", line " << lines.size() + 1
+                                         << ": missing [" << golden[lines.size()] << "]";
+  }
+  if (!prefix && lines.size() > golden.size()) {
+    return ::testing::AssertionFailure() << name << ", line " << golden.size() + 1
+                                         << ": more than expected [" << lines[golden.size()]
+                                         << "]";
+  }
+  return ::testing::AssertionSuccess();
+}

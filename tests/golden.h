@@ -1,0 +1,20 @@
+// Whole expected listings, written by hand, as text files under tests/golden/.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+// The lines of a file, without their line ends.
+std::vector<std::string> readLines(const std::filesystem::path& path);
+
+// Compares `lines` with the golden file tests/golden/NAME line for line, after each @KEY@ of the
+// file is replaced by its value in `vars`; a failure names the first line that differs. With
+// `prefix`, only the lines the golden file holds are compared, and more may follow.
+::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,
+                                         const std::string& name,
+                                         const std::map<std::string, std::string>& vars = {},
+                                         bool prefix = false);
