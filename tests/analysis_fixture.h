@@ -174,7 +174,6 @@ struct RunFixture {
     if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
     rs.analysisChannel = std::tmpfile();
     int64_t total = 0;
-    int32_t st = 0;
     partitionWorkArray(Phase::Largest, workArraySizes(runState), 1, total);
     std::free(workArray.words);
     workArray.words = nullptr;

@@ -218,8 +218,6 @@ constexpr const char* kVariableCaution =
     "(/,'**** There are nonlinear terms here, so message ',/,"
     "'     may only refer to a local phenomena')";
 
-// Summary groups of the findings.
-enum Group { kForcesZero = 0, kInfeasible = 1, kRedundant = 2, kUnbounded = 3, kRelaxes = 4 };
 
 // One finding: explanation at a change of kind, then the item. `caution` is the nonlinear
 // note of the report; `style` is the first-item style that a new kind opens with.
@@ -247,13 +245,47 @@ void reportFinding(RunContext& rs, FindingRun& run, int32_t kind, int32_t nonlin
 
 }  // namespace
 
+FindingGroup findingGroup(int32_t kind) {
+  switch (kind) {
+    case KIND_VAR_AT_LOWER: case KIND_VAR_AT_UPPER: case KIND_VAR_ZERO_AT_LOWER:
+    case KIND_VAR_ZERO_AT_UPPER:
+    case KIND_LE_FORCES_ZERO: case KIND_GE_FORCES_ZERO: case KIND_EQ_FORCES_ZERO_NEGATIVE:
+    case KIND_EQ_FORCES_ZERO_FREE: case KIND_EQ_FORCES_ZERO_POSITIVE:
+      return FindingGroup::ForcesZero;
+    case KIND_LE_REDUNDANT: case KIND_GE_REDUNDANT: case KIND_LE_ABOVE_MAX_ACTIVITY:
+    case KIND_GE_BELOW_MIN_ACTIVITY:
+      return FindingGroup::Redundant;
+    case KIND_LE_INFEASIBLE: case KIND_GE_INFEASIBLE: case KIND_EQ_INFEASIBLE_ABOVE:
+    case KIND_EQ_INFEASIBLE_BELOW: case KIND_EQ_BELOW_MIN_ACTIVITY:
+    case KIND_EQ_ABOVE_MAX_ACTIVITY: case KIND_LE_BELOW_MIN_ACTIVITY:
+    case KIND_GE_ABOVE_MAX_ACTIVITY:
+      return FindingGroup::Infeasible;
+    case KIND_VAR_UNBOUNDED_ABOVE: case KIND_VAR_UNBOUNDED_BELOW:
+      return FindingGroup::Unbounded;
+    case KIND_VAR_RELAXES_ABOVE: case KIND_VAR_RELAXES_BELOW:
+      return FindingGroup::Relaxes;
+    default:
+      return FindingGroup::None;
+  }
+}
+
+void resetBoundTable(Table2<int32_t> table) {
+  for (int32_t c = 1; c <= table.rows; ++c) {
+    table(c, BOUND_SIGN_CLASS) = 0;
+    table(c, BOUND_LOWER_STATE) = NO_LOWER;
+    table(c, BOUND_UPPER_STATE) = NO_UPPER;
+    table(c, BOUND_CLASS) = 0;
+    table(c, BOUND_TYPE_CODE) = 0;
+  }
+}
+
 void classifyBounds(double upper, double lower, double plusInf, double minusInf, int32_t index,
                     Table2<int32_t> table, int32_t hostType) {
-  int32_t& signClass = table(index, 1);
-  int32_t& lowerState = table(index, 2);
-  int32_t& upperState = table(index, 3);
-  int32_t& boundClass = table(index, 4);
-  int32_t& typeCode = table(index, 5);
+  int32_t& signClass = table(index, BOUND_SIGN_CLASS);
+  int32_t& lowerState = table(index, BOUND_LOWER_STATE);
+  int32_t& upperState = table(index, BOUND_UPPER_STATE);
+  int32_t& boundClass = table(index, BOUND_CLASS);
+  int32_t& typeCode = table(index, BOUND_TYPE_CODE);
 
   typeCode = hostType + 3;
 
@@ -280,14 +312,14 @@ void classifyBounds(double upper, double lower, double plusInf, double minusInf,
   }
 
   signClass = 1;
-  boundClass = 1;
+  boundClass = CLASS_NONNEGATIVE;
   if (lowerState < 0) {
     if (upperState < 1) {
       signClass = -1;
-      boundClass = 2;
+      boundClass = CLASS_NONPOSITIVE;
     } else {
       signClass = 2;
-      boundClass = 3;
+      boundClass = CLASS_FREE;
     }
   }
   if (typeCode == 3) typeCode = boundClass;
@@ -308,13 +340,7 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
   }
   r.rowSignTable.fill(0);
   r.colSignTable.fill(0);
-  for (int32_t j = 1; j <= n; ++j) {
-    r.colBoundTable(j, 1) = 0;
-    r.colBoundTable(j, 2) = NO_LOWER;
-    r.colBoundTable(j, 3) = NO_UPPER;
-    r.colBoundTable(j, 4) = 0;
-    r.colBoundTable(j, 5) = 0;
-  }
+  resetBoundTable(r.colBoundTable);
 
   const double objFactor = rs.minimizing ? -1.0 : 1.0;
   int32_t objSign = 0;
@@ -324,21 +350,21 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
     const int32_t t = readColumnBounds(rs, j, r.colScale, j, r.colBoundTable, lower, upper);
     walkColumn(model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nonlinear) {
       if (nonlinear > 0) {
-        r.rowSignTable(i, 1, 3) += 1;
-        r.colSignTable(j, 1, 3) += 1;
+        r.rowSignTable(i, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;
+        r.colSignTable(j, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;
       }
       if (i == rs.objRow) {
-        if (a > 0.0) r.rowSignTable(i, t, 1) += 1;
-        if (a < 0.0) r.rowSignTable(i, t, 2) += 1;
+        if (a > 0.0) r.rowSignTable(i, t, SIGN_POSITIVE) += 1;
+        if (a < 0.0) r.rowSignTable(i, t, SIGN_NEGATIVE) += 1;
         if (j == rs.objVar) {
           if (a > 0.0) objSign = 1;
           if (a < 0.0) objSign = -1;
         }
         if (a != 0.0) {
           if (a * objFactor > 0.0) {
-            r.colSignTable(j, 4, 2) = 1;
+            r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_BAD) = 1;
           } else {
-            r.colSignTable(j, 4, 1) = 1;
+            r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_GOOD) = 1;
           }
         }
         return;
@@ -354,16 +380,16 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
         if (lower == rs.minusInf) minState = -1.0;
         maxActivity += a * upper;
         if (upper == rs.plusInf) maxState = 0.0;
-        r.rowSignTable(i, t, 1) += 1;
-        r.colSignTable(j, typeSlot, 1) += 1;
+        r.rowSignTable(i, t, SIGN_POSITIVE) += 1;
+        r.colSignTable(j, typeSlot, SIGN_POSITIVE) += 1;
       } else if (a < 0.0) {
         minActivity += a * upper;
         if (upper != 0.0 && minState >= 0.0) minState = 1.0;
         if (upper == rs.plusInf) minState = -1.0;
         maxActivity += a * lower;
         if (lower == rs.minusInf) maxState = 0.0;
-        r.rowSignTable(i, t, 2) += 1;
-        r.colSignTable(j, typeSlot, 2) += 1;
+        r.rowSignTable(i, t, SIGN_NEGATIVE) += 1;
+        r.colSignTable(j, typeSlot, SIGN_NEGATIVE) += 1;
       }
     });
   }
@@ -371,13 +397,16 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
   // Objective turn: keep goodObjective meaning "raising the variable improves the objective"
   // whichever side of the objective row the objective variable stands on.
   if (objSign < 0) {
-    for (int32_t j = 1; j <= n; ++j) std::swap(r.colSignTable(j, 4, 1), r.colSignTable(j, 4, 2));
+    for (int32_t j = 1; j <= n; ++j) {
+      std::swap(r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_GOOD),
+                r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_BAD));
+    }
   }
 }
 
 void recordProblem(RunContext& rs, int32_t itemClass, std::string_view label, int32_t kind,
                    int32_t mode) {
-  if (mode > 0) return;
+  if (mode == MODE_BLOCKS) return;
   if (kind < 0 || kind >= PROBLEM_KINDS) return;
   rs.analysisProblemTally[static_cast<size_t>(kind)] += 1;
   rs.analysisProblemCount += 1;
@@ -433,71 +462,76 @@ void reportVariableFindings(RunContext& rs, int32_t colTotal, TextTable blockNam
             "(3X,'----### Analysis of Variables ( nonlinear',1X,'terms at current point)',/,1X)");
   FindingRun run{1, kVariableCaution, 5};
   rs.lastColSymbol = 0;
-  bool group[5] = {false, false, false, false, false};
+  bool forcesZero = false, unbounded = false, relaxes = false;
   std::string label;
   label.reserve(MAX_LINE);
 
   for (int32_t j = 1; j <= colTotal; ++j) {
-    const int32_t nonlinear = signTable(j, 1, 3);
-    if (mode == 0) {
+    const int32_t nonlinear = signTable(j, NONLINEAR_SLOT, SIGN_NONLINEAR);
+    if (mode == MODE_ITEMS) {
       int32_t isNew = 0;
       varItemSymbol(rs, dictionary, j, isNew);
       if (isNew != 0) rs.analysisProblemTally.fill(0);
     }
     if (j == skipIndex) continue;
 
-    const int32_t lowerState = boundTable(j, 2);
-    const int32_t upperState = boundTable(j, 3);
-    const int32_t good = signTable(j, 4, 1);
-    const int32_t bad = signTable(j, 4, 2);
-    const int32_t eqCount = signTable(j, 1, 1) + signTable(j, 1, 2);
-    const int32_t riseLimits = signTable(j, 2, 2) + signTable(j, 3, 1) + eqCount;
-    const int32_t fallLimits = signTable(j, 2, 1) + signTable(j, 3, 2) + eqCount;
+    const int32_t lowerState = boundTable(j, BOUND_LOWER_STATE);
+    const int32_t upperState = boundTable(j, BOUND_UPPER_STATE);
+    const int32_t good = signTable(j, SLOT_OBJECTIVE, OBJECTIVE_GOOD);
+    const int32_t bad = signTable(j, SLOT_OBJECTIVE, OBJECTIVE_BAD);
+    const int32_t eqCount =
+        signTable(j, SLOT_EQ, SIGN_POSITIVE) + signTable(j, SLOT_EQ, SIGN_NEGATIVE);
+    const int32_t riseLimits =
+        signTable(j, SLOT_GE, SIGN_NEGATIVE) + signTable(j, SLOT_LE, SIGN_POSITIVE) + eqCount;
+    const int32_t fallLimits =
+        signTable(j, SLOT_GE, SIGN_POSITIVE) + signTable(j, SLOT_LE, SIGN_NEGATIVE) + eqCount;
 
     int32_t kind = 0;
-    Group g = kForcesZero;
     if (upperState > 1 && good > 0 && riseLimits + bad == 0) {
-      kind = 20, g = kUnbounded;
+      kind = KIND_VAR_UNBOUNDED_ABOVE;
     } else if (upperState > 1 && good == 0 && riseLimits + bad == 0) {
-      kind = 21, g = kRelaxes;
+      kind = KIND_VAR_RELAXES_ABOVE;
     } else if (lowerState == 0 && fallLimits + good == 0) {
-      kind = 23, g = kForcesZero;
+      kind = KIND_VAR_ZERO_AT_LOWER;
     } else if ((lowerState == 1 || lowerState == -1) && bad > 0 && fallLimits + good == 0) {
-      kind = 1, g = kForcesZero;
+      kind = KIND_VAR_AT_LOWER;
     } else if ((upperState == 1 || upperState == -1) && good > 0 && riseLimits + bad == 0) {
-      kind = 2, g = kForcesZero;
+      kind = KIND_VAR_AT_UPPER;
     } else if (upperState == 0 && bad > 0 && riseLimits + good == 0) {
-      kind = 24, g = kForcesZero;
+      kind = KIND_VAR_ZERO_AT_UPPER;
     } else if (lowerState < -1 && bad > 0 && fallLimits + good == 0) {
-      kind = 25, g = kUnbounded;
+      kind = KIND_VAR_UNBOUNDED_BELOW;
     } else if (lowerState < -1 && bad == 0 && fallLimits + good == 0) {
-      kind = 26, g = kRelaxes;
+      kind = KIND_VAR_RELAXES_BELOW;
     }
     if (kind == 0) continue;
 
-    if (mode == 0) {
+    if (mode == MODE_ITEMS) {
       int32_t length = 0, dim = 0, isNew = 0;
       varItemLabel(rs, dictionary, j, label, length, dim, isNew, MAX_LINE);
     } else {
       label.assign(blockNames.view(j));
     }
     reportFinding(rs, run, kind, nonlinear, label, mode);
-    group[g] = true;
+    const FindingGroup g = findingGroup(kind);
+    forcesZero = forcesZero || g == FindingGroup::ForcesZero;
+    unbounded = unbounded || g == FindingGroup::Unbounded;
+    relaxes = relaxes || g == FindingGroup::Relaxes;
   }
 
-  if (!group[kUnbounded] && !group[kRelaxes] && !group[kForcesZero]) {
+  if (!unbounded && !relaxes && !forcesZero) {
     writeFree(rs.statusChannel);
     writeLine(rs.statusChannel, "(7X,'### The variables pass all analysis tests')");
     writeLine(rs.logChannel, "(7X,'### The variables pass all analysis tests')");
     writeFree(rs.statusChannel);
   }
-  if (group[kUnbounded]) {
+  if (unbounded) {
     writeLine(rs.logChannel, "(7X,'### Cases found where variables will be unbounded')");
   }
-  if (group[kRelaxes]) {
+  if (relaxes) {
     writeLine(rs.logChannel, "(7X,'### Cases found where variables relax constraints')");
   }
-  if (group[kForcesZero]) {
+  if (forcesZero) {
     writeLine(rs.logChannel, "(7X,'### Cases found where variables will be zero')");
   }
 }
@@ -510,27 +544,32 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
             "'at current point)',/,1X,/,1X)");
   FindingRun run{2, kEquationCaution, 1};
   run.style = 1;
-  bool group[3] = {false, false, false};
+  bool forcesZero = false, infeasible = false, redundant = false;
   std::string label;
   label.reserve(MAX_LINE);
   const double md = static_cast<double>(mode);
 
   for (int32_t i = 1; i <= rowTotal; ++i) {
-    const int32_t nonlinear = signTable(i, 1, 3);
-    const int32_t posTerms = signTable(i, 1, 1) + signTable(i, 2, 2);
-    const int32_t negTerms = signTable(i, 1, 2) + signTable(i, 2, 1);
-    const int32_t freeTerms = signTable(i, 3, 1) + signTable(i, 3, 2);
+    const int32_t nonlinear = signTable(i, NONLINEAR_SLOT, SIGN_NONLINEAR);
+    const int32_t posTerms = signTable(i, CLASS_NONNEGATIVE, SIGN_POSITIVE) +
+                             signTable(i, CLASS_NONPOSITIVE, SIGN_NEGATIVE);
+    const int32_t negTerms = signTable(i, CLASS_NONNEGATIVE, SIGN_NEGATIVE) +
+                             signTable(i, CLASS_NONPOSITIVE, SIGN_POSITIVE);
+    const int32_t freeTerms =
+        signTable(i, CLASS_FREE, SIGN_POSITIVE) + signTable(i, CLASS_FREE, SIGN_NEGATIVE);
     const bool onlyPos = posTerms > 0 && negTerms + freeTerms == 0;
     const bool onlyNeg = negTerms > 0 && posTerms + freeTerms == 0;
     const int32_t type = rowTypes[i];
     const double b = rhs[i];
-    const bool notHigh = b * md != 99.0;   // in mode 1, not a block of mixed signs above
-    const bool notLow = b * md != -99.0;   // nor below
+    // In block mode b is a blockRowRhs status: the sign rules leave out a block of mixed
+    // signs, and one whose status was never set.
+    const bool notHigh = b * md != RHS_NONE_YET;
+    const bool notLow = b * md != RHS_MIXED;
 
-    // Up to two findings: kind 15 may follow kind 14 on one row.
+    // Up to two findings: an =E= row may lie both below and above its activity bounds.
     int32_t kinds[2] = {0, 0};
     int32_t found = 0;
-    const bool single = mode == 0;
+    const bool single = mode == MODE_ITEMS;
     double minActivity = 0.0, minState = 0.0, maxActivity = 0.0, maxState = 0.0;
     if (single) {
       minActivity = activity(i, 1);
@@ -543,47 +582,47 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
 
     if (type == kRowL) {
       if (b >= 0.0 && notHigh && onlyNeg) {
-        kinds[found++] = 4;
+        kinds[found++] = KIND_LE_REDUNDANT;
       } else if (b < 0.0 && notLow && onlyPos) {
-        kinds[found++] = 5;
+        kinds[found++] = KIND_LE_INFEASIBLE;
       } else if (belowMin) {
-        kinds[found++] = 16;
+        kinds[found++] = KIND_LE_BELOW_MIN_ACTIVITY;
       } else if (aboveMax) {
-        kinds[found++] = 17;
+        kinds[found++] = KIND_LE_ABOVE_MAX_ACTIVITY;
       } else if (b == 0.0 && onlyPos) {
-        kinds[found++] = 3;
+        kinds[found++] = KIND_LE_FORCES_ZERO;
       }
     } else if (type == kRowG) {
       if (b == 0.0 && onlyNeg) {
-        kinds[found++] = 6;
+        kinds[found++] = KIND_GE_FORCES_ZERO;
       } else if (b <= 0.0 && notLow && onlyPos) {
-        kinds[found++] = 7;
+        kinds[found++] = KIND_GE_REDUNDANT;
       } else if (b > 0.0 && notHigh && onlyNeg) {
-        kinds[found++] = 8;
+        kinds[found++] = KIND_GE_INFEASIBLE;
       } else if (belowMin) {
-        kinds[found++] = 18;
+        kinds[found++] = KIND_GE_BELOW_MIN_ACTIVITY;
       } else if (aboveMax) {
-        kinds[found++] = 19;
+        kinds[found++] = KIND_GE_ABOVE_MAX_ACTIVITY;
       }
     } else if (type == kRowE) {
       if (b > 0.0 && notHigh && onlyNeg) {
-        kinds[found++] = 9;
+        kinds[found++] = KIND_EQ_INFEASIBLE_ABOVE;
       } else if (b < 0.0 && notLow && onlyPos) {
-        kinds[found++] = 10;
+        kinds[found++] = KIND_EQ_INFEASIBLE_BELOW;
       } else if (b == 0.0 && onlyNeg) {
-        kinds[found++] = 11;
+        kinds[found++] = KIND_EQ_FORCES_ZERO_NEGATIVE;
       } else if (single && b == 0.0 && freeTerms == 1 && posTerms + negTerms == 0) {
-        kinds[found++] = 12;
+        kinds[found++] = KIND_EQ_FORCES_ZERO_FREE;
       } else if (b == 0.0 && onlyPos) {
-        kinds[found++] = 13;
+        kinds[found++] = KIND_EQ_FORCES_ZERO_POSITIVE;
       } else {
-        if (belowMin) kinds[found++] = 14;
-        if (aboveMax) kinds[found++] = 15;
+        if (belowMin) kinds[found++] = KIND_EQ_BELOW_MIN_ACTIVITY;
+        if (aboveMax) kinds[found++] = KIND_EQ_ABOVE_MAX_ACTIVITY;
       }
     }
     if (found == 0) continue;
 
-    if (mode == 0) {
+    if (mode == MODE_ITEMS) {
       int32_t length = 0, dim = 0;
       equItemLabel(dictionary, i, label, length, LABEL_FULL, TextTable{}, dim, MAX_LINE);
     } else {
@@ -592,25 +631,22 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
     for (int32_t k = 0; k < found; ++k) {
       const int32_t kind = kinds[k];
       reportFinding(rs, run, kind, nonlinear, label, mode);
-      switch (kind) {
-        case 3: case 6: case 11: case 12: case 13: group[kForcesZero] = true; break;
-        case 4: case 7: case 17: case 18: group[kRedundant] = true; break;
-        default: group[kInfeasible] = true; break;
-      }
+      const FindingGroup g = findingGroup(kind);
+      forcesZero = forcesZero || g == FindingGroup::ForcesZero;
+      redundant = redundant || g == FindingGroup::Redundant;
+      infeasible = infeasible || g == FindingGroup::Infeasible;
     }
   }
 
-  if (!group[kForcesZero] && !group[kInfeasible] && !group[kRedundant]) {
+  if (!forcesZero && !infeasible && !redundant) {
     writeFree(rs.statusChannel);
     writeLine(rs.statusChannel, "(7X,'### The equations pass all analysis tests')");
     writeLine(rs.logChannel, "(7X,'### The equations pass all analysis tests')");
     writeFree(rs.statusChannel);
   }
-  if (group[kForcesZero]) {
-    writeLine(rs.logChannel, "(7X,'### Some equations force zero variables')");
-  }
-  if (group[kInfeasible]) writeLine(rs.logChannel, "(7X,'### Some equations are infeasible')");
-  if (group[kRedundant]) writeLine(rs.logChannel, "(7X,'### Some equations are redundant ')");
+  if (forcesZero) writeLine(rs.logChannel, "(7X,'### Some equations force zero variables')");
+  if (infeasible) writeLine(rs.logChannel, "(7X,'### Some equations are infeasible')");
+  if (redundant) writeLine(rs.logChannel, "(7X,'### Some equations are redundant ')");
 }
 
 int32_t readColumnBounds(const RunContext& rs, int32_t j, Vec1<double> colScale, int32_t index,
@@ -623,7 +659,7 @@ int32_t readColumnBounds(const RunContext& rs, int32_t j, Vec1<double> colScale,
   if (upper != rs.plusInf) upper *= colScale[j];
   classifyBounds(upper, lower, rs.plusInf, rs.minusInf, index, boundTable,
                  ovmGetVarTypeOne(model, j));
-  return boundTable(index, 4);
+  return boundTable(index, BOUND_CLASS);
 }
 
 void reportBlockFindings(RunContext& rs, int32_t nC, int32_t nR, TextTable colBlockName, TextTable rowBlockName,
@@ -631,7 +667,8 @@ void reportBlockFindings(RunContext& rs, int32_t nC, int32_t nR, TextTable colBl
                          Table2<int32_t> blockColBoundTable, Vec1<int32_t> blockRowType,
                          Vec1<double> blockRowRhs, Table2<double> rowActivity,
                          int32_t skipBlock, ovdHandle dictionary) {
-  reportVariableFindings(rs, nC, colBlockName, colSignTable, blockColBoundTable, skipBlock, 1,
+  reportVariableFindings(rs, nC, colBlockName, colSignTable, blockColBoundTable, skipBlock,
+                         MODE_BLOCKS,
                          dictionary);
   for (int32_t e = 1; e <= rowActivity.rows; ++e) {
     rowActivity(e, 1) = 0.0;
@@ -639,14 +676,15 @@ void reportBlockFindings(RunContext& rs, int32_t nC, int32_t nR, TextTable colBl
     rowActivity(e, 3) = 0.0;
     rowActivity(e, 4) = -1.0;
   }
-  reportEquationFindings(rs, nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs, 1,
+  reportEquationFindings(rs, nR, rowBlockName, rowSignTable, blockRowType, blockRowRhs,
+                         MODE_BLOCKS,
                          dictionary, rowActivity);
 }
 
 void runAnalysis(const AnalysisRegions& r, RunContext& rs) {
   buildAnalysisTables(r, rs);
   reportVariableFindings(rs, rs.colCount, TextTable{}, r.colSignTable, r.colBoundTable, rs.objVar,
-                         0, rs.dictionary);
-  reportEquationFindings(rs, rs.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
-                         rs.dictionary, r.rowActivity);
+                         MODE_ITEMS, rs.dictionary);
+  reportEquationFindings(rs, rs.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs,
+                         MODE_ITEMS, rs.dictionary, r.rowActivity);
 }

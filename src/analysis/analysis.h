@@ -18,6 +18,75 @@ inline constexpr double UPPER_INF_FRACTION = 0.9900000095367432;
 // Items of one finding kind that enter the analysis scratch file.
 inline constexpr int32_t MAX_PROBLEMS_PER_KIND = 5;
 
+// Columns of colBoundTable and blockColBoundTable (one row per column or variable block).
+inline constexpr int32_t BOUND_SIGN_CLASS = 1;   // 1 non-negative, -1 non-positive, 2 free
+inline constexpr int32_t BOUND_LOWER_STATE = 2;  // NO_LOWER, 0, -1 below zero, 1 above zero
+inline constexpr int32_t BOUND_UPPER_STATE = 3;  // NO_UPPER, 0, -1 below zero, 1 above zero
+inline constexpr int32_t BOUND_CLASS = 4;        // the middle slot of rowSignTable
+inline constexpr int32_t BOUND_TYPE_CODE = 5;    // 1 to 3 the bound class, else host type + 3
+
+// The last index of colSignTable and rowSignTable: positive and negative coefficients, and
+// nonlinear entries, which are counted in the first middle slot (NONLINEAR_SLOT).
+inline constexpr int32_t SIGN_POSITIVE = 1;
+inline constexpr int32_t SIGN_NEGATIVE = 2;
+inline constexpr int32_t SIGN_NONLINEAR = 3;
+inline constexpr int32_t NONLINEAR_SLOT = 1;
+
+// The middle index of colSignTable: the row types of rowTypeSlot, and the objective, whose
+// SIGN_POSITIVE cell counts a good objective coefficient (raising the variable improves the
+// objective) and SIGN_NEGATIVE a bad one.
+inline constexpr int32_t SLOT_EQ = 1;
+inline constexpr int32_t SLOT_GE = 2;
+inline constexpr int32_t SLOT_LE = 3;
+inline constexpr int32_t SLOT_OBJECTIVE = 4;
+inline constexpr int32_t OBJECTIVE_GOOD = SIGN_POSITIVE;
+inline constexpr int32_t OBJECTIVE_BAD = SIGN_NEGATIVE;
+
+// The middle index of rowSignTable: the bound class of the column (BOUND_CLASS).
+inline constexpr int32_t CLASS_NONNEGATIVE = 1;
+inline constexpr int32_t CLASS_NONPOSITIVE = 2;
+inline constexpr int32_t CLASS_FREE = 3;
+
+// Modes of the two ladders: single columns and rows, or the blocks of BLOCKPIC and BLOCKLIST.
+inline constexpr int32_t MODE_ITEMS = 0;
+inline constexpr int32_t MODE_BLOCKS = 1;
+
+// Finding kinds, numbered as the problem tally and the scratch file count them.
+enum FindingKind : int32_t {
+  KIND_VAR_AT_LOWER = 1,
+  KIND_VAR_AT_UPPER = 2,
+  KIND_LE_FORCES_ZERO = 3,
+  KIND_LE_REDUNDANT = 4,
+  KIND_LE_INFEASIBLE = 5,
+  KIND_GE_FORCES_ZERO = 6,
+  KIND_GE_REDUNDANT = 7,
+  KIND_GE_INFEASIBLE = 8,
+  KIND_EQ_INFEASIBLE_ABOVE = 9,
+  KIND_EQ_INFEASIBLE_BELOW = 10,
+  KIND_EQ_FORCES_ZERO_NEGATIVE = 11,
+  KIND_EQ_FORCES_ZERO_FREE = 12,
+  KIND_EQ_FORCES_ZERO_POSITIVE = 13,
+  KIND_EQ_BELOW_MIN_ACTIVITY = 14,
+  KIND_EQ_ABOVE_MAX_ACTIVITY = 15,
+  KIND_LE_BELOW_MIN_ACTIVITY = 16,
+  KIND_LE_ABOVE_MAX_ACTIVITY = 17,
+  KIND_GE_BELOW_MIN_ACTIVITY = 18,
+  KIND_GE_ABOVE_MAX_ACTIVITY = 19,
+  KIND_VAR_UNBOUNDED_ABOVE = 20,
+  KIND_VAR_RELAXES_ABOVE = 21,
+  KIND_VAR_ZERO_AT_LOWER = 23,
+  KIND_VAR_ZERO_AT_UPPER = 24,
+  KIND_VAR_UNBOUNDED_BELOW = 25,
+  KIND_VAR_RELAXES_BELOW = 26,
+};
+
+// The summary group of each kind, as the log reports it.
+enum class FindingGroup { None, ForcesZero, Infeasible, Redundant, Unbounded, Relaxes };
+FindingGroup findingGroup(int32_t kind);
+
+// Clears rows of a bound table to "no bounds seen yet", as classifyBounds starts from.
+void resetBoundTable(Table2<int32_t> table);
+
 // Item classes of recordProblem.
 inline constexpr int32_t ITEM_VARIABLE = 1;
 inline constexpr int32_t ITEM_EQUATION = 2;

@@ -22,6 +22,13 @@ inline constexpr int32_t COMMENT_CAPACITY = 50;
 inline constexpr int32_t COMMENT_LEN = 80;
 inline constexpr int32_t PROBLEM_KINDS = 28;
 
+// Reports are laid out for page widths of 50 to 254 characters.
+inline constexpr int32_t MIN_PAGE_WIDTH = 50;
+inline constexpr int32_t MAX_PAGE_WIDTH = 254;
+inline int32_t heldPageWidth(int32_t width) {
+  return width < MIN_PAGE_WIDTH ? MIN_PAGE_WIDTH : width > MAX_PAGE_WIDTH ? MAX_PAGE_WIDTH : width;
+}
+
 inline constexpr double PLUS_INF = 3e+300;
 inline constexpr double MINUS_INF = 4e+300;
 

@@ -51,13 +51,7 @@ void runBlockList(const BlockListRegions& w, RunContext& rs) {
   w.blockRowRhs.fill(RHS_NONE_YET);
   w.colSignTable.fill(0);
   w.rowSignTable.fill(0);
-  for (int32_t c = 1; c <= w.blockColBoundTable.rows; ++c) {
-    w.blockColBoundTable(c, 1) = 0;
-    w.blockColBoundTable(c, 2) = NO_LOWER;
-    w.blockColBoundTable(c, 3) = NO_UPPER;
-    w.blockColBoundTable(c, 4) = 0;
-    w.blockColBoundTable(c, 5) = 0;
-  }
+  resetBoundTable(w.blockColBoundTable);
 
   for (int32_t i = 1; i <= rowCount; ++i) {
     const int32_t e = w.rowBlockOf[i];
@@ -101,8 +95,8 @@ void runBlockList(const BlockListRegions& w, RunContext& rs) {
         if (!columnNonlinear) {
           columnNonlinear = true;
           ++w.blkColWorkC[c];
-          ++w.colSignTable(c, 1, 3);
-          ++w.rowSignTable(e, 1, 3);
+          ++w.colSignTable(c, NONLINEAR_SLOT, SIGN_NONLINEAR);
+          ++w.rowSignTable(e, NONLINEAR_SLOT, SIGN_NONLINEAR);
         }
         if (w.blockRowType[e] < BLOCK_NONLINEAR_TEST) {
           w.blockRowType[e] += BLOCK_NONLINEAR_MARK;
@@ -114,19 +108,22 @@ void runBlockList(const BlockListRegions& w, RunContext& rs) {
       if (a > 0.0) {
         ++w.blkRowWorkA[e];
         ++w.blkColWorkA[c];
-        ++w.rowSignTable(e, t, 1);
-        ++w.colSignTable(c, k, 1);
+        ++w.rowSignTable(e, t, SIGN_POSITIVE);
+        ++w.colSignTable(c, k, SIGN_POSITIVE);
       } else {
         ++w.blkRowWorkB[e];
         ++w.blkColWorkB[c];
-        ++w.rowSignTable(e, t, 2);
-        ++w.colSignTable(c, k, 2);
+        ++w.rowSignTable(e, t, SIGN_NEGATIVE);
+        ++w.colSignTable(c, k, SIGN_NEGATIVE);
       }
     });
   }
 
   if (objTurn < 0) {
-    for (int32_t c = 1; c <= nC; ++c) std::swap(w.colSignTable(c, 4, 1), w.colSignTable(c, 4, 2));
+    for (int32_t c = 1; c <= nC; ++c) {
+      std::swap(w.colSignTable(c, SLOT_OBJECTIVE, OBJECTIVE_GOOD),
+                w.colSignTable(c, SLOT_OBJECTIVE, OBJECTIVE_BAD));
+    }
   }
 
   writeLine(status,
@@ -137,7 +134,7 @@ void runBlockList(const BlockListRegions& w, RunContext& rs) {
   for (int32_t c = 1; c <= nC; ++c) {
     const bool seen = w.blkColMax[c] != -1.0;
     writeLine(status, "(1X,A16,1X,A3,1X,5I5,3X,F10.4,1X,F10.4)",
-              {w.colBlockName.view(c), varClassCode(w.blockColBoundTable(c, 5)), w.colBlockCount[c],
+              {w.colBlockName.view(c), varClassCode(w.blockColBoundTable(c, BOUND_TYPE_CODE)), w.colBlockCount[c],
                w.blkColWorkC[c], w.blkColWorkA[c], w.blkColWorkB[c], w.blkColWorkD[c],
                seen ? w.blkColMax[c] : 0.0, seen ? w.blkColMin[c] : 0.0});
   }

@@ -5,14 +5,9 @@
 #include <unordered_map>
 
 #include "base/notation.h"
+#include "base/text.h"
 
 namespace {
-
-std::string_view trimRight(std::string_view s) {
-  size_t n = s.size();
-  while (n > 0 && s[n - 1] == ' ') --n;
-  return s.substr(0, n);
-}
 
 // Symbol and labels of one row or column, as the dictionary gives them. A failed call leaves
 // symbol 0 and no labels.
@@ -158,27 +153,21 @@ int32_t assignBlocks(RunContext& run, int32_t n, int32_t limit, int32_t capacity
 }  // namespace
 
 double nextBlockRhsStatus(double status, double r) {
-  const int32_t s = static_cast<int32_t>(status);
+  const bool none = status == RHS_NONE_YET;
+  const bool positive = status == RHS_ALL_POSITIVE || status == RHS_POSITIVE_AND_ZERO;
+  const bool negative = status == RHS_ALL_NEGATIVE || status == RHS_NEGATIVE_AND_ZERO;
+  if (!none && !positive && !negative && status != RHS_ALL_ZERO) return RHS_MIXED;
   if (r > 0.0) {
-    switch (s) {
-      case 99: case 2: return 2.0;
-      case 1: case 0: return 1.0;
-      default: return RHS_MIXED;
-    }
+    if (negative) return RHS_MIXED;
+    return none || status == RHS_ALL_POSITIVE ? RHS_ALL_POSITIVE : RHS_POSITIVE_AND_ZERO;
   }
   if (r < 0.0) {
-    switch (s) {
-      case 99: case -2: return -2.0;
-      case 0: case -1: return -1.0;
-      default: return RHS_MIXED;
-    }
+    if (positive) return RHS_MIXED;
+    return none || status == RHS_ALL_NEGATIVE ? RHS_ALL_NEGATIVE : RHS_NEGATIVE_AND_ZERO;
   }
-  switch (s) {
-    case 99: case 0: return 0.0;
-    case 2: case 1: return 1.0;
-    case -1: case -2: return -1.0;
-    default: return RHS_MIXED;
-  }
+  if (positive) return RHS_POSITIVE_AND_ZERO;
+  if (negative) return RHS_NEGATIVE_AND_ZERO;
+  return RHS_ALL_ZERO;
 }
 
 void buildBlockTables(RunContext& run, int32_t rowCount, int32_t colCount, int32_t& colBlockUsed,

@@ -25,12 +25,17 @@ void buildBlockTables(RunContext& run, int32_t rowCount, int32_t colCount, int32
                       Vec1<int32_t> colBlockCount, Vec1<int32_t> rowBlockCount,
                       ovdHandle dictionary, Vec1<int32_t> colBlockOf, Vec1<int32_t> rowBlockOf);
 
-// Status codes of blockRowRhs: the signs of the right-hand sides seen in a block.
-inline constexpr double RHS_NONE_YET = 99.0;
+// Status codes of blockRowRhs: the signs of the right-hand sides seen in a block. They are kept
+// in the doubles of blockRowRhs, which the equation findings read in block mode.
+inline constexpr double RHS_ALL_POSITIVE = 2.0;
+inline constexpr double RHS_POSITIVE_AND_ZERO = 1.0;
+inline constexpr double RHS_ALL_ZERO = 0.0;
+inline constexpr double RHS_NEGATIVE_AND_ZERO = -1.0;
+inline constexpr double RHS_ALL_NEGATIVE = -2.0;
 inline constexpr double RHS_MIXED = -99.0;
+inline constexpr double RHS_NONE_YET = 99.0;
 
-// The next blockRowRhs status after a row with right-hand side r: 2 all positive, 1 positive
-// and zero, 0 all zero, -1 negative and zero, -2 all negative, -99 both signs, 99 none yet.
+// The next blockRowRhs status after a row with right-hand side r.
 double nextBlockRhsStatus(double status, double r);
 
 // Label forms of equItemLabel.

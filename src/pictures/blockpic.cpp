@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/analysis.h"
+#include "base/text.h"
 #include "model/blocks.h"
 #include "pictures/cells.h"
 #include "base/notation.h"
@@ -30,11 +31,6 @@ const char* varTypeCode(int32_t typeCode) {
 // The middle letter of the row type's code: E, G, L, N.
 char rowTypeLetter(int32_t rowType) {
   return rowType >= 0 && rowType <= 3 ? kEquTypeCodes[static_cast<size_t>(rowType)][1] : ' ';
-}
-
-std::string_view trimmedName(std::string_view name) {
-  const size_t end = name.find_last_not_of(' ');
-  return end == std::string_view::npos ? std::string_view{} : name.substr(0, end + 1);
 }
 
 // Writes a table line: the template's leading values, then cells 1..lastCell of one plane,
@@ -78,7 +74,7 @@ void writeHeading(Channel& status, std::string_view tmpl, TextTable alt, int32_t
 
 }  // namespace
 
-int32_t blockTableWidth(int32_t pageWidth) { return std::clamp(pageWidth, 50, 254); }
+int32_t blockTableWidth(int32_t pageWidth) { return heldPageWidth(pageWidth); }
 
 int32_t blockStripCount(char table, int32_t nC, int32_t W) {
   switch (table) {
@@ -118,7 +114,7 @@ void blockStripColumns(char table, int32_t nC, int32_t W, int32_t strip, int32_t
 void buildVerticalHeading(TextTable colBlockName, TextTable colBlockNameAlt,
                           int32_t columns) {
   for (int32_t c = 1; c <= columns; ++c) {
-    const std::string_view name = trimmedName(colBlockName.view(c));
+    const std::string_view name = trimRight(colBlockName.view(c));
     const int32_t shown = std::min(static_cast<int32_t>(name.size()), 10);
     char* lines = colBlockNameAlt.at(c);
     for (int32_t r = 1; r <= 10; ++r) {
@@ -172,7 +168,7 @@ void printAggregatePicture(RunContext& run, int32_t nC, int32_t nR, TextTable co
     writeRule(status, dashes, 3 * (last - first) + 22);
     std::vector<std::string> letters;
     for (int32_t c = first; c <= std::min(last, nC); ++c) {
-      letters.emplace_back(1, varTypeLetter(blockColBoundTable(c, 5)));
+      letters.emplace_back(1, varTypeLetter(blockColBoundTable(c, BOUND_TYPE_CODE)));
     }
     std::vector<FmtValue> values(letters.begin(), letters.end());
     writeLine(status, "(' Variable Typ |',127(1X,A2))", values);
@@ -265,7 +261,7 @@ void printBlockCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<in
 
     std::vector<FmtValue> codes;
     for (int32_t c = first; c <= std::min(last, nC); ++c) {
-      codes.emplace_back(varTypeCode(blockColBoundTable(c, 5)));
+      codes.emplace_back(varTypeCode(blockColBoundTable(c, BOUND_TYPE_CODE)));
     }
     writeLine(status, "(' Variable Typ |',41(3X,A3))", codes);
   }
@@ -365,7 +361,7 @@ void printAverageCounts(RunContext& run, Table2<int32_t> blockPairCount, Table2<
     std::vector<FmtValue> codes;
     for (int32_t c = first; c <= std::min(last, nC); ++c) {
       sizes.emplace_back(colBlockCount[c]);
-      codes.emplace_back(varTypeCode(blockColBoundTable(c, 5)));
+      codes.emplace_back(varTypeCode(blockColBoundTable(c, BOUND_TYPE_CODE)));
     }
     if (first <= nC) {
       sizes.insert(sizes.begin(), FmtValue("# of  Vars"));
@@ -467,13 +463,7 @@ void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
 
   w.rowSignTable.fill(0);
   w.colSignTable.fill(0);
-  for (int32_t c = 1; c <= w.blockColBoundTable.rows; ++c) {
-    w.blockColBoundTable(c, 1) = 0;
-    w.blockColBoundTable(c, 2) = NO_LOWER;
-    w.blockColBoundTable(c, 3) = NO_UPPER;
-    w.blockColBoundTable(c, 4) = 0;
-    w.blockColBoundTable(c, 5) = 0;
-  }
+  resetBoundTable(w.blockColBoundTable);
   w.blockPairMax.fill(0.0);
   w.blockPairMin.fill(BLOCK_MIN_START);
   w.blockPairCount.fill(0);
@@ -507,17 +497,17 @@ void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
       if (size > w.blockPairMax(e, c)) w.blockPairMax(e, c) = size;
       if (size < w.blockPairMin(e, c)) w.blockPairMin(e, c) = size;
       if (nl > 0) {
-        ++w.rowSignTable(e, 1, 3);
-        ++w.colSignTable(c, 1, 3);
+        ++w.rowSignTable(e, NONLINEAR_SLOT, SIGN_NONLINEAR);
+        ++w.colSignTable(c, NONLINEAR_SLOT, SIGN_NONLINEAR);
       }
       if (a > 0.0) {
-        ++w.rowSignTable(e, t, 1);
+        ++w.rowSignTable(e, t, SIGN_POSITIVE);
         ++w.blockPairCount(e, c);
-        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), 1);
+        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), SIGN_POSITIVE);
       } else if (a < 0.0) {
-        ++w.rowSignTable(e, t, 2);
+        ++w.rowSignTable(e, t, SIGN_NEGATIVE);
         ++w.blockPairCountB(e, c);
-        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), 2);
+        ++w.colSignTable(c, rowTypeSlot(w.blockRowType[e]), SIGN_NEGATIVE);
       }
     });
   }
@@ -533,10 +523,10 @@ void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
     for (int32_t c = 1; c <= nC; ++c) {
       const int32_t p = w.blockPairCount(eo, c);
       const int32_t q = w.blockPairCountB(eo, c);
-      w.colSignTable(c, 1, 1) -= p;
-      w.colSignTable(c, 1, 2) -= q;
-      w.colSignTable(c, 4, 1) = f >= 1 ? p : q;
-      w.colSignTable(c, 4, 2) = f >= 1 ? q : p;
+      w.colSignTable(c, SLOT_EQ, SIGN_POSITIVE) -= p;
+      w.colSignTable(c, SLOT_EQ, SIGN_NEGATIVE) -= q;
+      w.colSignTable(c, SLOT_OBJECTIVE, OBJECTIVE_GOOD) = f >= 1 ? p : q;
+      w.colSignTable(c, SLOT_OBJECTIVE, OBJECTIVE_BAD) = f >= 1 ? q : p;
     }
   }
 

@@ -8,6 +8,7 @@
 #include "host/control_file.h"
 #include "host/host.h"
 #include "base/procedures.h"
+#include "base/text.h"
 #include "request/request_line.h"
 #include "run/dispatch.h"
 #include "run/run_state.h"
@@ -19,13 +20,6 @@ std::string keywordText(std::string_view text) {
   std::string k(text.substr(0, static_cast<size_t>(NAME_LEN)));
   k.resize(NAME_LEN, ' ');
   return k;
-}
-
-std::string trimmed(std::string_view s) {
-  size_t b = 0, e = s.size();
-  while (b < e && s[b] == ' ') ++b;
-  while (e > b && s[e - 1] == ' ') --e;
-  return std::string(s.substr(b, e - b));
 }
 
 // The request loop's own state.
@@ -41,7 +35,7 @@ bool openRequestFile() {
   std::error_code ec;
   const bool exists = std::filesystem::exists(runState.requestPath, ec);
   if (!exists) {
-    const std::string path = trimmed(runState.requestPath);
+    const std::string path(trimBlanks(runState.requestPath));
     for (Channel* ch : {&runState.logChannel, &runState.statusChannel}) {
       writeFree(*ch, {"Looked but couldnt find input file ", path});
       writeFree(*ch, {" If you are using the IDE then make sure"});
@@ -98,17 +92,12 @@ void assumeBlockPicture() {
 // Step 5 of the dispatch: the width of the next report.
 void fixPageWidth() {
   if (runState.pageWidthRequest < 1) {
-    int32_t width = oveGetIntOpt(runState.environment, kOptPageWidth);
+    const int32_t width = heldPageWidth(oveGetIntOpt(runState.environment, kOptPageWidth));
     runState.pageSize = oveGetIntOpt(runState.environment, kOptPageSize);
-    if (width > 254) width = 254;
-    if (width < 50) width = 50;
     if (runState.pageWidthRequest == 0) runState.pageWidthRequest = width;
   }
   // A PW= line may ask for any width from 0 to 999; reports are laid out for 50 to 254.
-  int32_t width = runState.pageWidthRequest;
-  if (width > 254) width = 254;
-  if (width < 50) width = 50;
-  runState.pageWidth = width;
+  runState.pageWidth = heldPageWidth(runState.pageWidthRequest);
   writeFree(runState.logChannel);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "base/text.h"
 #include "host/control_file.h"
 #include "host/host.h"
 #include "model/matrix_store.h"
@@ -48,12 +49,7 @@ constexpr bool bannerInShape() {
 }
 static_assert(bannerInShape(), "banner lines are 37 characters, # in columns 4 and 37");
 
-std::string trimmed(std::string_view s) {
-  size_t b = 0, e = s.size();
-  while (b < e && s[b] == ' ') ++b;
-  while (e > b && s[e - 1] == ' ') --e;
-  return std::string(s.substr(b, e - b));
-}
+std::string trimmed(std::string_view s) { return std::string(trimBlanks(s)); }
 
 void takeAuditLine() {
   runState.auditLine = ovpGetAuditLine(runState.auditObject).substr(0, kAuditLen);
