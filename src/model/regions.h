@@ -29,6 +29,7 @@ enum class Size : uint8_t {
 struct Dim {
   Size size = Size::One;
   int32_t times = 1;
+  constexpr Dim() = default;
   constexpr Dim(Size s) : size(s) {}
   constexpr Dim(int32_t k) : times(k) {}
 };
@@ -54,8 +55,18 @@ struct RegionRow {
                    Table2<int32_t> R::*, Table3<int32_t> R::*, TextTable R::*>;
   Field field;
   std::array<Dim, 3> dims;
+  constexpr RegionRow() = default;
   constexpr RegionRow(Field f, Dim d1, Dim d2 = 1, Dim d3 = 1) : field(f), dims{d1, d2, d3} {}
 };
+
+template <class R, size_t A, size_t B>
+constexpr std::array<RegionRow<R>, A + B> joined(const std::array<RegionRow<R>, A>& a,
+                                                 const std::array<RegionRow<R>, B>& b) {
+  std::array<RegionRow<R>, A + B> out{};
+  for (size_t k = 0; k < A; ++k) out[k] = a[k];
+  for (size_t k = 0; k < B; ++k) out[A + k] = b[k];
+  return out;
+}
 
 // ---- phase Solution (1) and Display (2): the solution step and the DISPLAYCR engine ---------
 
@@ -184,11 +195,11 @@ constexpr auto regionTable<SolutionRegions>() {
   });
 }
 
-// Behind the solution regions, which DisplayRegions::solution lays out first.
-template <>
-constexpr auto regionTable<DisplayRegions>() {
+// The matrix by columns and by rows, and the selection tables, as the DISPLAYCR engine and
+// MATCHIT lay them out.
+template <class R>
+constexpr auto matrixAndSelectionRows() {
   using namespace regions_detail;
-  using R = DisplayRegions;
   return std::to_array<RegionRow<R>>({
       {&R::rowStart, M},          {&R::rowType, M},           {&R::colStart, N},
       {&R::colRowIndex, NZ},      {&R::rowColIndex, NZ},      {&R::rowFill, M},
@@ -198,8 +209,16 @@ constexpr auto regionTable<DisplayRegions>() {
       {&R::colSelLabels, LABELS_LEN, CS}, {&R::rowSelLabels, LABELS_LEN, RS},
       {&R::colSelDim, CS},        {&R::rowSelDim, RS},
       {&R::colSelSpec, CS, 5},    {&R::rowSelSpec, RS, 5},
-      {&R::rowScale, M},          {&R::colScale, N},
   });
+}
+
+// Behind the solution regions, which DisplayRegions::solution lays out first.
+template <>
+constexpr auto regionTable<DisplayRegions>() {
+  using namespace regions_detail;
+  using R = DisplayRegions;
+  return joined(matrixAndSelectionRows<R>(),
+                std::to_array<RegionRow<R>>({{&R::rowScale, M}, {&R::colScale, N}}));
 }
 
 template <>
@@ -274,17 +293,12 @@ template <>
 constexpr auto regionTable<MatchItRegions>() {
   using namespace regions_detail;
   using R = MatchItRegions;
-  return std::to_array<RegionRow<R>>({
-      {&R::rowStart, M},          {&R::rowType, M},           {&R::colStart, N},
-      {&R::colRowIndex, NZ},      {&R::rowColIndex, NZ},      {&R::rowFill, M},
-      {&R::colCoef, NZ},          {&R::rowCoef, NZ},          {&R::rowSelected, M},
-      {&R::colSelRaw, MAX_LINE, CS},  {&R::rowSelRaw, MAX_LINE, RS},
-      {&R::colSelSymbol, NAME_LEN, CS}, {&R::rowSelSymbol, NAME_LEN, RS},
-      {&R::colSelLabels, LABELS_LEN, CS}, {&R::rowSelLabels, LABELS_LEN, RS},
-      {&R::colSelDim, CS},        {&R::rowSelDim, RS},
-      {&R::colSelSpec, CS, 5},    {&R::rowSelSpec, RS, 5},
-      {&R::matchColTable, CS, 6}, {&R::matchRowTable, RS, 6},
-      {&R::matchRowFlag, RS},     {&R::matchColFlag, CS},
-      {&R::rowScale, M},          {&R::colScale, N},
-  });
+  return joined(matrixAndSelectionRows<R>(), std::to_array<RegionRow<R>>({
+                                                 {&R::matchColTable, CS, 6},
+                                                 {&R::matchRowTable, RS, 6},
+                                                 {&R::matchRowFlag, RS},
+                                                 {&R::matchColFlag, CS},
+                                                 {&R::rowScale, M},
+                                                 {&R::colScale, N},
+                                             }));
 }
