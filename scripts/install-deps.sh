@@ -2,8 +2,10 @@
 # Installs the Debian packages the build and the tests need, when any is missing: as root
 # directly, otherwise through sudo. Without either it names the missing packages and the
 # command that installs them, and fails.
+# `install-deps.sh bench` adds glpk-utils, whose glpsol the benchmark runs beside orva.
 set -euo pipefail
 packages=(build-essential cmake libglpk-dev nlohmann-json3-dev libgtest-dev libgmock-dev)
+if [ "${1:-}" = bench ]; then packages+=(glpk-utils); fi
 missing=()
 for p in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${Status}' "$p" 2>/dev/null || true)

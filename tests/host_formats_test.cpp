@@ -16,7 +16,7 @@ HostInstance readOrFail(const std::string& path, ModelFormat format,
                         const std::string& data = "") {
   HostInstance inst;
   std::string error;
-  ModelSource source{path, format, data};
+  ModelSource source{path, format, data, {}};
   EXPECT_TRUE(readModel(source, inst, error)) << error;
   return inst;
 }
@@ -24,7 +24,7 @@ HostInstance readOrFail(const std::string& path, ModelFormat format,
 std::string readError(const std::string& path, ModelFormat format) {
   HostInstance inst;
   std::string error;
-  EXPECT_FALSE(readModel(ModelSource{path, format, ""}, inst, error));
+  EXPECT_FALSE(readModel(ModelSource{path, format, "", {}}, inst, error));
   return error;
 }
 
@@ -176,9 +176,10 @@ TEST(HostFormats, RangedRowsSplitIntoTwoBlocks) {
   EXPECT_EQ(hostRowName(in, 2), "cap_up(b)");
   EXPECT_EQ(in.rowType[2], kRowL);
   EXPECT_EQ(in.rowRhs[2], 3);
-  EXPECT_EQ(hostRowName(in, 3), "c_lo(7)");
+  // c7 is a scalar constraint of MathProg: its halves are scalars too.
+  EXPECT_EQ(hostRowName(in, 3), "c7_lo");
   EXPECT_EQ(in.rowRhs[3], -5);
-  EXPECT_EQ(hostRowName(in, 4), "c_up(7)");
+  EXPECT_EQ(hostRowName(in, 4), "c7_up");
   EXPECT_NE(in.rowSymbol[1], in.rowSymbol[2]);
   EXPECT_NE(in.rowSymbol[0], in.rowSymbol[1]);
   // Both halves hold the same entries.
@@ -195,13 +196,14 @@ TEST(HostFormats, RangedRowsSplitIntoTwoBlocks) {
 
 TEST(HostFormats, ObjectiveConstantFromMps) {
   HostScratch scratch;
-  // GLPK reads the objective row's right-hand side as the objective's constant term.
+  // The objective row's right-hand side is the negative of the objective's constant term, and
+  // stays the objective row's right-hand side.
   const std::string mps = scratch.write("c.mps",
                                         "NAME c\nROWS\n N obj\n G r\nCOLUMNS\n x obj 1 r 1\n"
                                         "RHS\n RHS obj -10 r 2\nENDATA\n");
   const HostInstance in = readOrFail(mps, ModelFormat::Mps);
   ASSERT_EQ(in.rowCount, 2);
-  EXPECT_EQ(in.rowRhs[0], 10);
+  EXPECT_EQ(in.rowRhs[0], -10);
   EXPECT_EQ(in.rowRhs[1], 2);
 }
 
@@ -298,7 +300,7 @@ TEST(HostFormats, FormatWords) {
   EXPECT_FALSE(parseModelFormat("gms", f));
   HostInstance in;
   std::string error;
-  EXPECT_FALSE(readModel(ModelSource{"m.nl", ModelFormat::Nl, ""}, in, error));
+  EXPECT_FALSE(readModel(ModelSource{"m.nl", ModelFormat::Nl, "", {}}, in, error));
   EXPECT_EQ(error, "m.nl: AMPL nonlinear (.nl) models cannot be read by this host");
 }
 

@@ -17,7 +17,7 @@ std::string refusal(const HostScratch& scratch, const std::string& text) {
   const std::string path = scratch.write("m.json", text);
   HostInstance inst;
   std::string error;
-  EXPECT_FALSE(readModel(ModelSource{path, ModelFormat::Json, ""}, inst, error)) << text;
+  EXPECT_FALSE(readModel(ModelSource{path, ModelFormat::Json, "", {}}, inst, error)) << text;
   return error.substr(std::min(error.size(), path.size()));
 }
 
@@ -116,7 +116,7 @@ TEST(HostJson, WhatAnInstanceHolds) {
   })J");
   HostInstance in;
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Json, ""}, in, error)) << error;
+  ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Json, "", {}}, in, error)) << error;
   EXPECT_EQ(in.inputName, "t");
   EXPECT_FALSE(in.minimizing);
   EXPECT_TRUE(in.hasScale);
@@ -151,7 +151,7 @@ TEST(HostJson, NoSolutionUnlessOneIsGiven) {
   const std::string path = scratch.write("n.json", R"J({"cols": [{"name": "x"}]})J");
   HostInstance in;
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Json, ""}, in, error)) << error;
+  ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Json, "", {}}, in, error)) << error;
   EXPECT_FALSE(in.hasSolution);
   EXPECT_EQ(in.modelStat, kStatNoSolutionReturned);
   EXPECT_EQ(in.rowCount, 0);

@@ -217,7 +217,7 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   const std::string dir = scratch.dir.string() + "/";
   HostInstance model;
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, ""}, model,
+  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, model,
                         error));
   // A solution file for the model: every row and column, names checked.
   HostSolution solution;
@@ -323,7 +323,7 @@ TEST(HostSolutionFile, RefusalsNameFileAndLine) {
   HostScratch scratch;
   HostInstance in;
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, ""}, in, error));
+  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in, error));
   std::string rows, cols;
   for (int i = 1; i <= 9; ++i) rows += "row " + std::to_string(i) + " 0 0 2 0\n";
   for (int j = 1; j <= 8; ++j) cols += "col " + std::to_string(j) + " 0 0 2 0\n";
@@ -363,7 +363,7 @@ TEST(HostSolutionFile, WrittenSolutionReadsBackExactly) {
   HostScratch scratch;
   HostInstance in;
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.mod"), ModelFormat::MathProg, ""}, in, error));
+  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.mod"), ModelFormat::MathProg, "", {}}, in, error));
   HostSolution out;
   out.modelStat = kStatOptimal;
   out.solveStat = 1;

@@ -130,6 +130,15 @@ void convertProblem(glp_prob* p, const ModelSource& source, HostInstance& inst) 
     for (int i = 1; i <= m0 && objRepeat == 0; ++i)
       if (glp_get_row_type(p, i) == GLP_FR && rowNameOf(p, i) == objName) objRepeat = i;
 
+  // Names without brackets: MathProg's are scalar symbols; an LP file's follow the rule.
+  const SymbolRule asked =
+      source.format == ModelFormat::MathProg ? SymbolRule{SymbolRuleKind::Scalar, 0} : source.symbols;
+  const SymbolRule rowRule = hostResolveSymbolRule(asked, [&](const auto& f) {
+    for (int i = 1; i <= m0; ++i) f(rowNameOf(p, i));
+  });
+  const SymbolRule colRule = hostResolveSymbolRule(asked, [&](const auto& f) {
+    for (int j = 1; j <= n0; ++j) f(colNameOf(p, j));
+  });
   std::vector<HostName> rowNames, colNames;
   std::vector<int32_t> firstRow(static_cast<std::size_t>(m0) + 1, -1);
   std::vector<char> split(static_cast<std::size_t>(m0) + 1, 0);
@@ -140,13 +149,13 @@ void convertProblem(glp_prob* p, const ModelSource& source, HostInstance& inst) 
     return static_cast<int32_t>(inst.rowType.size() - 1);
   };
   const double c0 = glp_get_obj_coef(p, 0);
-  if (hasObjective && objRepeat == 0) inst.objRow = addRow(hostParseName(objName), kRowE, -c0) + 1;
+  if (hasObjective && objRepeat == 0) inst.objRow = addRow(hostParseName(objName, rowRule), kRowE, -c0) + 1;
   for (int i = 1; i <= m0; ++i) {
     if (i == objRepeat) {
-      inst.objRow = addRow(hostParseName(objName), kRowE, -c0) + 1;
+      inst.objRow = addRow(hostParseName(objName, rowRule), kRowE, -c0) + 1;
       continue;
     }
-    HostName name = hostParseName(rowNameOf(p, i));
+    HostName name = hostParseName(rowNameOf(p, i), rowRule);
     const double lb = glp_get_row_lb(p, i), ub = glp_get_row_ub(p, i);
     switch (glp_get_row_type(p, i)) {
       case GLP_FR: firstRow[i] = addRow(std::move(name), kRowN, 0.0); break;
@@ -172,7 +181,7 @@ void convertProblem(glp_prob* p, const ModelSource& source, HostInstance& inst) 
   for (int j = 1; j <= n0; ++j) {
     const std::string name = colNameOf(p, j);
     colNameSet.insert(name);
-    colNames.push_back(hostParseName(name));
+    colNames.push_back(hostParseName(name, colRule));
     const double lb = glp_get_col_lb(p, j), ub = glp_get_col_ub(p, j);
     double lower = -kHostInf, upper = kHostInf;
     switch (glp_get_col_type(p, j)) {
@@ -212,7 +221,7 @@ void convertProblem(glp_prob* p, const ModelSource& source, HostInstance& inst) 
   if (hasObjective) {
     std::string objVar = "objvar";
     while (colNameSet.count(objVar) != 0) objVar += '_';
-    colNames.push_back(hostParseName(objVar));
+    colNames.push_back(hostParseName(objVar, colRule));
     inst.colType.push_back(kVarContinuous);
     inst.colLower.push_back(-kHostInf);
     inst.colUpper.push_back(kHostInf);

@@ -60,33 +60,133 @@ bool splitLabels(std::string_view inner, std::vector<HostLabel>& labels) {
 
 }  // namespace
 
-HostName hostParseName(std::string_view raw) {
-  const std::string_view name = trimView(raw);
+namespace {
+
+// The name split at `at`: symbol before, one label after; a scalar when either part is empty,
+// except that a name beginning with the split gets the digit symbol.
+HostName splitAt(std::string_view name, std::size_t at, bool digitSymbol) {
   HostName out;
   out.full = std::string(name);
-  const std::size_t open = name.find_first_of("[(");
-  if (open != std::string_view::npos) {
-    const char close = name[open] == '[' ? ']' : ')';
-    std::vector<HostLabel> labels;
-    if (open > 0 && name.back() == close && name.size() >= open + 2 &&
-        splitLabels(name.substr(open + 1, name.size() - open - 2), labels)) {
-      out.symbol = std::string(trimView(name.substr(0, open)));
-      out.labels = std::move(labels);
-      if (!out.symbol.empty()) return out;
-      out.labels.clear();
-    }
+  if (at >= name.size() || (at == 0 && !digitSymbol)) {
     out.symbol = out.full;
     return out;
   }
-  std::size_t stem = name.size();
-  while (stem > 0 && isDigit(name[stem - 1])) --stem;
-  if (stem > 0 && stem < name.size()) {
-    out.symbol = std::string(name.substr(0, stem));
-    out.labels.push_back(HostLabel{std::string(name.substr(stem)), ' '});
-    return out;
+  out.symbol = at == 0 ? std::string(kDigitSymbol) : std::string(name.substr(0, at));
+  out.labels.push_back(HostLabel{std::string(name.substr(at)), ' '});
+  return out;
+}
+
+// A name with brackets: true with `out` filled when they read as a label list, else false
+// with `out` a scalar symbol of the full name.
+bool parseBrackets(std::string_view name, HostName& out) {
+  out.full = std::string(name);
+  const std::size_t open = name.find_first_of("[(");
+  const char close = name[open] == '[' ? ']' : ')';
+  std::vector<HostLabel> labels;
+  if (open > 0 && name.back() == close && name.size() >= open + 2 &&
+      splitLabels(name.substr(open + 1, name.size() - open - 2), labels)) {
+    out.symbol = std::string(trimView(name.substr(0, open)));
+    out.labels = std::move(labels);
+    if (!out.symbol.empty()) return true;
+    out.labels.clear();
   }
   out.symbol = out.full;
-  return out;
+  return false;
+}
+
+}  // namespace
+
+bool parseSymbolRule(std::string_view word, SymbolRule& rule) {
+  static constexpr std::pair<const char*, SymbolRuleKind> kWords[] = {
+      {"auto", SymbolRuleKind::Auto},
+      {"scalar", SymbolRuleKind::Scalar},
+      {"trailing-digits", SymbolRuleKind::TrailingDigits},
+      {"before-digit", SymbolRuleKind::BeforeDigit},
+  };
+  for (const auto& [text, kind] : kWords)
+    if (word == text) {
+      rule = SymbolRule{kind, 0};
+      return true;
+    }
+  constexpr std::string_view kFirst = "first:";
+  if (word.substr(0, kFirst.size()) != kFirst) return false;
+  const std::string_view digits = word.substr(kFirst.size());
+  if (digits.empty() || digits.size() > 2) return false;
+  int32_t n = 0;
+  for (char c : digits) {
+    if (!isDigit(c)) return false;
+    n = n * 10 + (c - '0');
+  }
+  if (n < 1 || n >= static_cast<int32_t>(kHostLabelLen)) return false;
+  rule = SymbolRule{SymbolRuleKind::First, n};
+  return true;
+}
+
+std::string symbolRuleName(const SymbolRule& rule) {
+  switch (rule.kind) {
+    case SymbolRuleKind::Auto: return "auto";
+    case SymbolRuleKind::Scalar: return "scalar";
+    case SymbolRuleKind::TrailingDigits: return "trailing-digits";
+    case SymbolRuleKind::BeforeDigit: return "before-digit";
+    case SymbolRuleKind::First: return "first:" + std::to_string(rule.first);
+  }
+  return "auto";
+}
+
+HostName hostParseName(std::string_view raw, const SymbolRule& rule) {
+  const std::string_view name = trimView(raw);
+  HostName out;
+  if (name.find_first_of("[(") != std::string_view::npos) {
+    parseBrackets(name, out);
+    return out;
+  }
+  switch (rule.kind) {
+    case SymbolRuleKind::TrailingDigits: {
+      std::size_t stem = name.size();
+      while (stem > 0 && isDigit(name[stem - 1])) --stem;
+      return splitAt(name, stem == name.size() ? name.size() : stem, false);
+    }
+    case SymbolRuleKind::BeforeDigit: {
+      std::size_t at = 0;
+      while (at < name.size() && !isDigit(name[at])) ++at;
+      return splitAt(name, at, true);
+    }
+    case SymbolRuleKind::First:
+      return splitAt(name, static_cast<std::size_t>(rule.first), false);
+    default:
+      return splitAt(name, name.size(), false);
+  }
+}
+
+HostName hostParseName(std::string_view raw) {
+  return hostParseName(raw, SymbolRule{SymbolRuleKind::TrailingDigits, 0});
+}
+
+SymbolRule hostResolveSymbolRule(
+    const SymbolRule& asked,
+    const std::function<void(const std::function<void(std::string_view)>&)>& forEach) {
+  if (asked.kind != SymbolRuleKind::Auto) return asked;
+  bool brackets = false;
+  forEach([&](std::string_view name) {
+    if (brackets || name.find_first_of("[(") == std::string_view::npos) return;
+    HostName parsed;
+    brackets = parseBrackets(trimView(name), parsed);
+  });
+  if (brackets) return SymbolRule{SymbolRuleKind::Scalar, 0};
+  // Symbols a rule makes, counted up to one past the limit.
+  auto fits = [&](const SymbolRule& rule) {
+    std::unordered_map<std::string, char> seen;
+    forEach([&](std::string_view name) {
+      if (static_cast<int32_t>(seen.size()) > kAutoSymbolLimit) return;
+      seen.emplace(hostParseName(name, rule).symbol, 0);
+    });
+    return static_cast<int32_t>(seen.size()) <= kAutoSymbolLimit;
+  };
+  const SymbolRule beforeDigit{SymbolRuleKind::BeforeDigit, 0};
+  if (fits(beforeDigit)) return beforeDigit;
+  for (int32_t n = 8; n > 1; --n)
+    if (fits(SymbolRule{SymbolRuleKind::First, n})) return SymbolRule{SymbolRuleKind::First, n};
+  return SymbolRule{SymbolRuleKind::First, 1};
 }
 
 HostName hostMakeName(std::string symbol, std::vector<HostLabel> labels) {
@@ -107,63 +207,73 @@ HostName hostMakeName(std::string symbol, std::vector<HostLabel> labels) {
   return out;
 }
 
-void hostBuildDictionary(HostInstance& inst, const std::vector<HostName>& rowNames,
-                         const std::vector<HostName>& colNames) {
+HostDictionaryBuilder::HostDictionaryBuilder(HostInstance& target) : inst(target) {
   inst.symbols.clear();
   inst.labels.clear();
-  std::unordered_map<std::string, int32_t> uelOf;
-  // Symbols by name, one table per kind; a second table holds the scalar symbols made for names
-  // that break their symbol's label count when that full name is already a symbol with labels.
-  std::unordered_map<std::string, int32_t> symbolOf[2];
-  std::unordered_map<std::string, int32_t> scalarOf[2];
-
-  auto newSymbol = [&](const std::string& name, bool isEquation, int32_t dim) {
-    inst.symbols.push_back(HostSymbol{name, isEquation, dim});
-    return static_cast<int32_t>(inst.symbols.size());
-  };
-  auto uel = [&](const HostLabel& label) {
-    auto [it, added] = uelOf.try_emplace(label.text, 0);
-    if (added) {
-      HostLabel kept = label;
-      if (kept.text.size() > kHostLabelLen) kept.text.resize(kHostLabelLen);
-      inst.labels.push_back(std::move(kept));
-      it->second = static_cast<int32_t>(inst.labels.size());
-    }
-    return it->second;
-  };
-  auto place = [&](const HostName& name, bool isEquation, std::vector<int32_t>& symbolVec,
-                   std::vector<int32_t>& starts, std::vector<int32_t>& uels) {
-    auto& symbols = symbolOf[isEquation ? 1 : 0];
-    const auto dim = static_cast<int32_t>(name.labels.size());
-    auto [it, added] = symbols.try_emplace(name.symbol, 0);
-    if (added) it->second = newSymbol(name.symbol, isEquation, dim);
-    int32_t symbol = it->second;
-    bool withLabels = true;
-    if (inst.symbols[symbol - 1].dim != dim) {
-      withLabels = false;
-      auto [fit, fadded] = symbols.try_emplace(name.full, 0);
-      if (fadded) fit->second = newSymbol(name.full, isEquation, 0);
-      symbol = fit->second;
-      if (inst.symbols[symbol - 1].dim != 0) {
-        auto [sit, sadded] = scalarOf[isEquation ? 1 : 0].try_emplace(name.full, 0);
-        if (sadded) sit->second = newSymbol(name.full, isEquation, 0);
-        symbol = sit->second;
-      }
-    }
-    symbolVec.push_back(symbol);
-    if (withLabels)
-      for (const HostLabel& label : name.labels) uels.push_back(uel(label));
-    starts.push_back(static_cast<int32_t>(uels.size()));
-  };
-
   inst.rowSymbol.clear();
   inst.rowUels.clear();
   inst.rowUelStart.assign(1, 0);
-  for (const HostName& name : rowNames)
-    place(name, true, inst.rowSymbol, inst.rowUelStart, inst.rowUels);
   inst.colSymbol.clear();
   inst.colUels.clear();
   inst.colUelStart.assign(1, 0);
-  for (const HostName& name : colNames)
-    place(name, false, inst.colSymbol, inst.colUelStart, inst.colUels);
+}
+
+namespace {
+
+int32_t newSymbol(HostInstance& inst, const std::string& name, bool isEquation, int32_t dim) {
+  inst.symbols.push_back(HostSymbol{name, isEquation, dim});
+  return static_cast<int32_t>(inst.symbols.size());
+}
+
+void placeName(HostDictionaryBuilder& b, const HostName& name, bool isEquation,
+               std::vector<int32_t>& symbolVec, std::vector<int32_t>& starts,
+               std::vector<int32_t>& uels) {
+  HostInstance& inst = b.inst;
+  auto& symbols = b.symbolOf[isEquation ? 1 : 0];
+  const auto dim = static_cast<int32_t>(name.labels.size());
+  auto [it, added] = symbols.try_emplace(name.symbol, 0);
+  if (added) it->second = newSymbol(inst, name.symbol, isEquation, dim);
+  int32_t symbol = it->second;
+  bool withLabels = true;
+  if (inst.symbols[symbol - 1].dim != dim) {
+    withLabels = false;
+    auto [fit, fadded] = symbols.try_emplace(name.full, 0);
+    if (fadded) fit->second = newSymbol(inst, name.full, isEquation, 0);
+    symbol = fit->second;
+    if (inst.symbols[symbol - 1].dim != 0) {
+      auto [sit, sadded] = b.scalarOf[isEquation ? 1 : 0].try_emplace(name.full, 0);
+      if (sadded) sit->second = newSymbol(inst, name.full, isEquation, 0);
+      symbol = sit->second;
+    }
+  }
+  symbolVec.push_back(symbol);
+  if (withLabels)
+    for (const HostLabel& label : name.labels) {
+      auto [lit, ladded] = b.uelOf.try_emplace(label.text, 0);
+      if (ladded) {
+        HostLabel kept = label;
+        if (kept.text.size() > kHostLabelLen) kept.text.resize(kHostLabelLen);
+        inst.labels.push_back(std::move(kept));
+        lit->second = static_cast<int32_t>(inst.labels.size());
+      }
+      uels.push_back(lit->second);
+    }
+  starts.push_back(static_cast<int32_t>(uels.size()));
+}
+
+}  // namespace
+
+void HostDictionaryBuilder::addRow(const HostName& name) {
+  placeName(*this, name, true, inst.rowSymbol, inst.rowUelStart, inst.rowUels);
+}
+
+void HostDictionaryBuilder::addCol(const HostName& name) {
+  placeName(*this, name, false, inst.colSymbol, inst.colUelStart, inst.colUels);
+}
+
+void hostBuildDictionary(HostInstance& inst, const std::vector<HostName>& rowNames,
+                         const std::vector<HostName>& colNames) {
+  HostDictionaryBuilder builder(inst);
+  for (const HostName& name : rowNames) builder.addRow(name);
+  for (const HostName& name : colNames) builder.addCol(name);
 }

@@ -1,15 +1,18 @@
 // Names of rows and columns into the dictionary's symbols and labels.
 //
 // `sym[l1,l2]` and `sym(l1,l2)` are symbol `sym` with labels `l1`, `l2`; a label in quotes keeps
-// its quote character. A name without brackets that ends in digits is its stem with the digits
-// as one label (`x17` is `x(17)`). Anything else is a scalar symbol. Equation and variable
-// symbols are separate. A name whose label count differs from that of its symbol's first member
-// becomes a scalar symbol of its own full name.
+// its quote character. A name without brackets follows a symbol rule: by default (the native
+// instance) one that ends in digits is its stem with the digits as one label (`x17` is `x(17)`).
+// Anything else is a scalar symbol. Equation and variable symbols are separate. A name whose
+// label count differs from that of its symbol's first member becomes a scalar symbol of its own
+// full name.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/instance.h"
@@ -22,11 +25,60 @@ struct HostName {
   std::string full;   // the name as written; the scalar symbol when the labels do not fit
 };
 
-// Splits a name by the rules above.
+// How a name without brackets becomes a symbol and a label.
+enum class SymbolRuleKind : int32_t {
+  Auto,            // chosen from the names of the model (hostResolveSymbolRule)
+  Scalar,          // the full name is a scalar symbol, as MathProg means it
+  TrailingDigits,  // `x17` is x(17), `R0009` is R(0009)
+  BeforeDigit,     // the part before the first digit: `BC1AGI.C` is BC(1AGI.C), `65` is #(65)
+  First,           // the first N characters: first:3 makes `AUAEL` AUA(EL)
+};
+
+struct SymbolRule {
+  SymbolRuleKind kind = SymbolRuleKind::Auto;
+  int32_t first = 0;  // N of first:N
+};
+
+// The symbol of names that begin with a digit under before-digit.
+inline constexpr const char* kDigitSymbol = "#";
+// Most symbols of one kind that the automatic rule accepts before it shortens them.
+inline constexpr int32_t kAutoSymbolLimit = 1000;
+
+// Reads `auto`, `scalar`, `trailing-digits`, `before-digit` or `first:N` (N from 1 to 63).
+bool parseSymbolRule(std::string_view word, SymbolRule& rule);
+std::string symbolRuleName(const SymbolRule& rule);
+
+// The rule that Auto stands for over one kind's names, given by `forEach`, which calls its
+// argument once per name: when any name has brackets, the names without are scalar symbols, as
+// in a file written from an algebraic model; else before-digit, unless that makes more than
+// kAutoSymbolLimit symbols, in which case first:N with the largest N (at most 8) that does not,
+// or first:1. Any other rule is returned as it is.
+SymbolRule hostResolveSymbolRule(
+    const SymbolRule& asked,
+    const std::function<void(const std::function<void(std::string_view)>&)>& forEach);
+
+// Splits a name by the rules above; a name without brackets by trailing digits, or by `rule`
+// (which must not be Auto).
 HostName hostParseName(std::string_view name);
+HostName hostParseName(std::string_view name, const SymbolRule& rule);
 
 // A name from a symbol and its labels, as a native instance may give them.
 HostName hostMakeName(std::string symbol, std::vector<HostLabel> labels);
+
+// Builds the dictionary of an instance one name at a time, rows before columns, so that a
+// reader need not keep a parsed name per row and column.
+struct HostDictionaryBuilder {
+  explicit HostDictionaryBuilder(HostInstance& inst);
+  void addRow(const HostName& name);
+  void addCol(const HostName& name);
+
+  HostInstance& inst;
+  std::unordered_map<std::string, int32_t> uelOf;
+  // Symbols by name, one table per kind; a second table holds the scalar symbols made for names
+  // that break their symbol's label count when that full name is already a symbol with labels.
+  std::unordered_map<std::string, int32_t> symbolOf[2];
+  std::unordered_map<std::string, int32_t> scalarOf[2];
+};
 
 // Fills the dictionary of `inst` (symbols, labels, rowSymbol/rowUels, colSymbol/colUels) from
 // one name per row and per column. Labels longer than 64 characters are cut to 64; labels that

@@ -53,19 +53,29 @@ const char* modelFormatName(ModelFormat format) {
 }
 
 std::string modelReaderVersions() {
-  return std::string("GLPK ") + glp_version() + " (MathProg, MPS and LP models, and the solve)\n" +
+  return std::string("GLPK ") + glp_version() + " (MathProg and LP models, and the solve)\n" +
          "nlohmann-json " + std::to_string(NLOHMANN_JSON_VERSION_MAJOR) + "." +
          std::to_string(NLOHMANN_JSON_VERSION_MINOR) + "." +
          std::to_string(NLOHMANN_JSON_VERSION_PATCH) + " (native instances, .json)\n";
 }
 
-bool readModel(const ModelSource& source, HostInstance& instance, std::string& error) {
+bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
+               const HostProgress& progress) {
   switch (source.format) {
     case ModelFormat::Json:
       return readJsonModel(source.path, instance, error);
     case ModelFormat::Nl:
       error = source.path + ": AMPL nonlinear (.nl) models cannot be read by this host";
       return false;
+    case ModelFormat::FixedMps:
+      return readMpsModel(source.path, true, source.symbols, instance, error, progress);
+    case ModelFormat::Mps: {
+      // A .mps file that the free form refuses may be in the fixed form; the free form's
+      // complaint is the one told when both refuse it.
+      if (readMpsModel(source.path, false, source.symbols, instance, error, progress)) return true;
+      std::string fixedError;
+      return readMpsModel(source.path, true, source.symbols, instance, fixedError, progress);
+    }
     default:
       return readGlpkModel(source, instance, error);
   }

@@ -3,9 +3,12 @@
 // labels).
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 #include "host/instance.h"
+#include "host/names.h"
 
 enum class ModelFormat { Json, MathProg, Mps, FixedMps, Lp, Nl };
 
@@ -23,13 +26,18 @@ struct ModelSource {
   std::string path;
   ModelFormat format = ModelFormat::Json;
   std::string dataPath;   // MathProg data file, or empty
+  SymbolRule symbols;     // names without brackets in MPS and LP files; MathProg's are scalars
 };
+
+// Told the bytes read so far and the file's size while a reader goes through a large file.
+using HostProgress = std::function<void(int64_t done, int64_t total)>;
 
 // Reads a model into `instance`. GLPK's output is kept from the terminal while it reads. Should
 // GLPK itself fail (not a refused file: an error inside the library), its environment is freed,
 // and with it every GLPK object of the process: hold none across this call or hostAutoScale. On failure returns false and sets `error` to a message that
 // names the file, the line where there is one, and what is wrong.
-bool readModel(const ModelSource& source, HostInstance& instance, std::string& error);
+bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
+               const HostProgress& progress = nullptr);
 
 // Computes GLPK's automatic scale factors for the instance and keeps them as its scale factors
 // (hasScale true): rowScale r(i) is the factor that multiplies row i, colScale c(j) the factor

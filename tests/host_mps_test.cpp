@@ -1,0 +1,169 @@
+// The project's MPS reader: the same instance as GLPK's reader on every bundled and generated
+// model, the rules where it reads otherwise, and refusals with file, line and reason.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <sstream>
+
+#include "generator.h"
+#include "host/readers_internal.h"
+#include "host_test_files.h"
+
+namespace {
+
+// The first field in which two instances differ, or "".
+std::string firstDifference(const HostInstance& a, const HostInstance& b) {
+  std::ostringstream d;
+  auto same = [&](const char* what, const auto& x, const auto& y) {
+    if (x == y) return true;
+    d << what << " differs";
+    return false;
+  };
+  if (!same("rowCount", a.rowCount, b.rowCount) || !same("colCount", a.colCount, b.colCount) ||
+      !same("objRow", a.objRow, b.objRow) || !same("objVar", a.objVar, b.objVar) ||
+      !same("sense", a.minimizing, b.minimizing) || !same("row types", a.rowType, b.rowType) ||
+      !same("col types", a.colType, b.colType) || !same("col starts", a.colStart, b.colStart) ||
+      !same("entry rows", a.entryRow, b.entryRow))
+    return d.str();
+  for (int32_t i = 0; i < a.rowCount; ++i)
+    if (a.rowRhs[i] != b.rowRhs[i] || hostRowName(a, i) != hostRowName(b, i))
+      return "row " + hostRowName(a, i) + " / " + hostRowName(b, i);
+  for (int32_t j = 0; j < a.colCount; ++j)
+    if (a.colLower[j] != b.colLower[j] || a.colUpper[j] != b.colUpper[j] ||
+        hostColName(a, j) != hostColName(b, j))
+      return "col " + hostColName(a, j) + " [" + std::to_string(a.colLower[j]) + "," +
+             std::to_string(a.colUpper[j]) + "] / " + hostColName(b, j) + " [" +
+             std::to_string(b.colLower[j]) + "," + std::to_string(b.colUpper[j]) + "]";
+  if (!same("entry values", a.entryValue, b.entryValue)) return d.str();
+  if (a.symbols.size() != b.symbols.size()) return "symbol count differs";
+  for (std::size_t s = 0; s < a.symbols.size(); ++s)
+    if (a.symbols[s].name != b.symbols[s].name || a.symbols[s].dim != b.symbols[s].dim)
+      return "symbol " + a.symbols[s].name + " / " + b.symbols[s].name;
+  return "";
+}
+
+void expectEqualToGlpk(const std::string& path, ModelFormat format, const SymbolRule& rule) {
+  HostInstance ours, glpk;
+  std::string error;
+  ModelSource source{path, format, "", rule};
+  ASSERT_TRUE(readModel(source, ours, error)) << error;
+  ASSERT_TRUE(readGlpkModel(source, glpk, error)) << error;
+  EXPECT_EQ(firstDifference(ours, glpk), "") << path << " under " << symbolRuleName(rule);
+}
+
+TEST(MpsReader, EqualsGlpkOnEveryBundledModel) {
+  const std::string netlib = std::string(SOURCE_DIR) + "/tests/data/netlib/";
+  for (const char* name : {"afiro", "adlittle", "blend", "sc105", "share1b", "stocfor1"})
+    for (const char* rule : {"auto", "trailing-digits", "first:3"}) {
+      SymbolRule r;
+      ASSERT_TRUE(parseSymbolRule(rule, r));
+      expectEqualToGlpk(netlib + name + ".mps", ModelFormat::FixedMps, r);
+    }
+  expectEqualToGlpk(hostTestData("small.mps"), ModelFormat::Mps, {});
+  expectEqualToGlpk(hostTestData("small_fixed.mps"), ModelFormat::FixedMps, {});
+  expectEqualToGlpk(hostTestData("afiro.mps"), ModelFormat::Mps, {});
+}
+
+TEST(MpsReader, EqualsGlpkOnGeneratedModels) {
+  HostScratch scratch;
+  struct Case {
+    int64_t columns;
+    uint64_t seed;
+    bool fixed;
+  };
+  for (const Case& c : {Case{48, 1, false}, Case{400, 2, false}, Case{2000, 3, false},
+                        Case{48, 4, true}, Case{960, 5, true}}) {
+    const std::string path = scratch.path("gen" + std::to_string(c.seed) + ".mps");
+    std::FILE* f = std::fopen(path.c_str(), "w");
+    ASSERT_NE(f, nullptr);
+    ASSERT_TRUE(generateMps(MpsGeneratorSettings{c.columns, c.seed, c.fixed, true}, f));
+    std::fclose(f);
+    expectEqualToGlpk(path, c.fixed ? ModelFormat::FixedMps : ModelFormat::Mps, {});
+  }
+}
+
+}  // namespace
+
+namespace {
+
+HostInstance readMps(const HostScratch& scratch, const std::string& text) {
+  HostInstance in;
+  std::string error;
+  const std::string path = scratch.write("m.mps", text);
+  EXPECT_TRUE(readModel(ModelSource{path, ModelFormat::Mps, "", {}}, in, error)) << error;
+  return in;
+}
+
+// Where the reader and GLPK part: further N rows stay as =N= rows with their entries, the
+// objective row's right-hand side is the negated constant, OBJSENSE is read, and a negative
+// upper bound over the default lower bound makes the column unbounded below.
+TEST(MpsReader, WhereItReadsOtherwiseThanGlpk) {
+  HostScratch scratch;
+  const HostInstance in = readMps(scratch,
+                                  "NAME d\nOBJSENSE\n    MAX\nROWS\n N obj\n L c1\n N watch\n"
+                                  "COLUMNS\n x obj 2 c1 1\n x watch 3\n y c1 1\n"
+                                  "RHS\n RHS obj 7 c1 4\n RHS watch 9\n"
+                                  "RANGES\n RNG watch 2\nBOUNDS\n UP BND x -3\n UP BND y -1\n"
+                                  " LO BND y -5\nENDATA\n");
+  ASSERT_EQ(in.rowCount, 3);
+  EXPECT_FALSE(in.minimizing);
+  EXPECT_EQ(in.rowRhs[0], 7);  // the row 2x - objvar = 7: the objective is 2x - 7
+  EXPECT_EQ(hostRowName(in, 2), "watch");
+  EXPECT_EQ(in.rowType[2], kRowN);
+  EXPECT_EQ(in.rowRhs[2], 0);
+  ASSERT_EQ(in.colStart[1], 3);  // x: obj, c1 and watch
+  EXPECT_EQ(in.entryRow[2], 2);
+  EXPECT_EQ(in.entryValue[2], 3);
+  EXPECT_EQ(in.colLower[0], -kHostInf);
+  EXPECT_EQ(in.colUpper[0], -3);
+  EXPECT_EQ(in.colLower[1], -5);  // a lower bound given keeps its value
+  EXPECT_EQ(in.colUpper[1], -1);
+  EXPECT_FALSE(readMps(scratch, "NAME\nOBJSENSE MAX\nROWS\n N o\nCOLUMNS\nENDATA\n").minimizing);
+}
+
+TEST(MpsReader, FaultyFilesAreRefusedWithLineAndReason) {
+  HostScratch scratch;
+  const std::string head = "NAME t\nROWS\n N obj\n L c1\nCOLUMNS\n";  // lines 1 to 5
+  struct Case {
+    std::string text;
+    const char* message;
+  };
+  const Case cases[] = {
+      {"ROWS\n N o\n", "1: the file does not begin with NAME"},
+      {"NAME\nROWS\n X c\n", "3: a row needs its type (N, L, G or E) and its name"},
+      {"NAME\nROWS\n L c\n G c\n", "4: row 'c' given twice"},
+      {"NAME\nROWS\n N o\nRHS\n", "4: section RHS out of place"},
+      {"NAME\nSIDES\n", "2: unknown section 'SIDES'"},
+      {head + " x c2 1\n", "6: row 'c2' is not in the ROWS section"},
+      {head + " x c1 1.5x\n", "6: cannot read '1.5x' as a number"},
+      {head + " x c1 1e400\n", "6: cannot read '1e400' as a number"},
+      {head + " x c1 nan\n", "6: cannot read 'nan' as a number"},
+      {head + " x c1 1 obj\n", "6: a column line needs the column, then one or two rows with their values"},
+      {head + " x c1 1\n y c1 1\n x obj 1\n", "8: column 'x' given in two places"},
+      {head + " x c1 1\n x c1 2\n", "7: column 'x' has row 'c1' twice"},
+      {head + " x c1 1\n", "7: the file ends without ENDATA"},
+      {head + " x c1 1\nBOUNDS\n XX B x 1\n", "8: unknown bound type 'XX'"},
+      {head + " x c1 1\nBOUNDS\n UP x\n", "8: a bound needs its type, the column and, for UP, a value"},
+      {head + " x c1 1\nBOUNDS\n UP B z 1\n", "8: column 'z' is not in the COLUMNS section"},
+      {head + " x c1 1\nBOUNDS\n UP B x 1\n FR B x\n", "9: column 'x' has two upper bounds"},
+      {head + " x c1 1\nRANGES\n R c1 1\n R c1 2\n", "9: row 'c1' has two ranges"},
+      {"NAME\nOBJSENSE\n UP\n", "3: unknown objective sense 'UP' (MIN or MAX)"},
+  };
+  for (const Case& c : cases) {
+    const std::string path = scratch.write("bad.mps", c.text);
+    HostInstance in;
+    std::string error;
+    EXPECT_FALSE(readMpsModel(path, false, {}, in, error, nullptr)) << c.text;
+    EXPECT_EQ(error, path + ":" + c.message) << c.text;
+  }
+  // The fixed form keeps columns 62 to 72 blank.
+  const std::string fixed = scratch.write(
+      "bad_fixed.mps", "NAME\nROWS\n N  obj\nCOLUMNS\n    x         obj                1.0" +
+                           std::string(30, ' ') + "zz\nENDATA\n");
+  HostInstance in;
+  std::string error;
+  EXPECT_FALSE(readModel(ModelSource{fixed, ModelFormat::FixedMps, "", {}}, in, error));
+  EXPECT_EQ(error, fixed + ":5: in fixed MPS positions 62 to 72 must be blank");
+}
+
+}  // namespace
