@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "host/instance_file.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -178,8 +180,8 @@ TEST(OrvaCommandRun, TransportDemoListing) {
       "NameScrExt = scr",
       "PageWidth = 130",
       "PageSize = 60",
-      "ModelFile = " + kTransport,
-      "ModelFormat = mathprog",
+      "InstanceFile = " + scr + "orvainst.scr",
+      "PhaseFile = " + scr + "timings.scr",
       "InputName = transport",
   };
   EXPECT_EQ(control, expectedControl);
@@ -228,11 +230,14 @@ TEST(OrvaCommandRun, PostoptRequestSolvesFirst) {
   EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
   const std::vector<std::string> control = readLines(scratch / "orva.ctl");
   const std::string scr = fs::absolute(scratch).lexically_normal().string() + "/";
-  EXPECT_NE(std::find(control.begin(), control.end(), "SolutionFile = " + scr + "small.sol"),
-            control.end());
   EXPECT_NE(std::find(control.begin(), control.end(), "PageWidth = 100"), control.end());
-  EXPECT_NE(std::find(control.begin(), control.end(), "ScaleSource = auto"), control.end());
-  EXPECT_TRUE(fs::exists(scratch / "small.sol"));
+  // The solution and the scale factors travel inside the instance handed over.
+  HostInstance handed;
+  std::string error;
+  ASSERT_TRUE(loadInstanceFile(scr + "orvainst.scr", handed, error)) << error;
+  EXPECT_TRUE(handed.hasSolution);
+  EXPECT_EQ(handed.modelStat, kStatOptimal);
+  EXPECT_TRUE(handed.hasScale);
   EXPECT_NE(r.out.find(" #### MODRAKE POSTOPT\n ====================\n"), std::string::npos);
   EXPECT_NE(r.out.find("\n Solve status     1  normal completion\n Model status     1  optimal\n"),
             std::string::npos);
@@ -288,8 +293,16 @@ TEST(OrvaCommandRun, UserSolutionHandedOver) {
   EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
   EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
   const std::vector<std::string> control = readLines(scratch / "orva.ctl");
-  const std::string given = fs::absolute(dir / "mine.sol").lexically_normal().string();
-  EXPECT_NE(std::find(control.begin(), control.end(), "SolutionFile = " + given), control.end());
+  // The solution is handed over inside the instance, not as a file of its own.
+  for (const std::string& line : control) {
+    EXPECT_NE(line.rfind("SolutionFile", 0), 0u) << line;
+    EXPECT_NE(line.rfind("ModelFile", 0), 0u) << line;
+  }
+  HostInstance handed;
+  std::string error;
+  ASSERT_TRUE(loadInstanceFile(scratch.string() + "/orvainst.scr", handed, error)) << error;
+  EXPECT_EQ(handed.modelStat, 7);
+  EXPECT_EQ(handed.colLevel, (std::vector<double>{1, 1, 3}));
   const std::vector<std::string> listing = readLines(dir / "small.lst");
   ASSERT_GE(listing.size(), 2u);
   EXPECT_EQ(listing[listing.size() - 2], " Solve status     3  resource interrupt");

@@ -33,6 +33,7 @@ constexpr Entry kEntries[] = {
     {kOptModelFile, EntryKind::Text},    {kOptModelFormat, EntryKind::Format},
     {kOptDataFile, EntryKind::Text},     {kOptSolutionFile, EntryKind::Text},
     {kOptInputName, EntryKind::Text},    {kOptScaleSource, EntryKind::Scale},
+    {kOptInstanceFile, EntryKind::Text}, {kOptPhaseFile, EntryKind::Text},
 };
 
 const Entry* findEntry(const std::string& name) {

@@ -19,6 +19,8 @@ inline constexpr const char* kOptDataFile = "DataFile";
 inline constexpr const char* kOptSolutionFile = "SolutionFile";
 inline constexpr const char* kOptInputName = "InputName";
 inline constexpr const char* kOptScaleSource = "ScaleSource";
+inline constexpr const char* kOptInstanceFile = "InstanceFile";
+inline constexpr const char* kOptPhaseFile = "PhaseFile";
 
 using HostOptions = std::vector<std::pair<std::string, std::string>>;
 

@@ -4,6 +4,7 @@
 #include <glpk.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cctype>
 #include <charconv>
 #include <cstdio>
@@ -12,6 +13,7 @@
 
 #include "host/control_file.h"
 #include "host/instance.h"
+#include "host/instance_file.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
 
@@ -24,6 +26,8 @@ struct OveObject {
   std::string controlFile;
   std::string lastError;
   bool skipIO = false;
+  std::string phase;  // the phase begun and not yet ended
+  std::chrono::steady_clock::time_point phaseStart;
 };
 
 struct OveEvaluator {
@@ -202,6 +206,29 @@ const std::string& oveLastError(oveHandle environment) {
 
 void oveTerminateInstall(oveHandle) {}
 
+void hostPhaseBegin(oveHandle environment, std::string_view phase) {
+  const std::string* path = findOption(environment, kOptPhaseFile);
+  if (path == nullptr || path->empty()) return;
+  environment->phase = std::string(phase);
+  environment->phaseStart = std::chrono::steady_clock::now();
+  if (std::FILE* f = std::fopen(path->c_str(), "a")) {
+    std::fprintf(f, "begin %s\n", environment->phase.c_str());
+    std::fclose(f);
+  }
+}
+
+void hostPhaseEnd(oveHandle environment) {
+  const std::string* path = findOption(environment, kOptPhaseFile);
+  if (path == nullptr || path->empty() || environment->phase.empty()) return;
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() -
+                                                       environment->phaseStart).count();
+  if (std::FILE* f = std::fopen(path->c_str(), "a")) {
+    std::fprintf(f, "end %s %.3f\n", environment->phase.c_str(), seconds);
+    std::fclose(f);
+  }
+  environment->phase.clear();
+}
+
 std::string oveGetStrOpt(oveHandle environment, std::string_view name) {
   const std::string* v = findOption(environment, name);
   return v ? *v : std::string();
@@ -244,10 +271,28 @@ int ovmLoadDataLegacy(ovmHandle model, std::string& message) {
   if (model == nullptr) return fail("no model object");
   const OveObject* env = model->environment;
   if (env == nullptr) return fail("the model object has no environment");
+  auto inst = std::make_shared<HostInstance>();
+  std::string error;
+  hostPhaseBegin(model->environment, "loading");
+  struct PhaseEnd {
+    oveHandle env;
+    ~PhaseEnd() { hostPhaseEnd(env); }
+  } phaseEnd{model->environment};
+  // An instance handed over in binary form: the model's own file is not opened.
+  if (const std::string* handed = findOption(env, kOptInstanceFile); handed && !handed->empty()) {
+    if (!loadInstanceFile(*handed, *inst, error)) return fail(error);
+    if (const std::string* name = findOption(env, kOptInputName); name && !name->empty())
+      inst->inputName = *name;
+    const std::string* solution = findOption(env, kOptSolutionFile);
+    model->solutionFile = solution ? *solution : std::string();
+    adoptInstance(model, std::move(inst));
+    message.clear();
+    return 0;
+  }
   ModelSource source;
   const std::string* file = findOption(env, kOptModelFile);
   if (file == nullptr || file->empty())
-    return fail(env->controlFile + ": no " + kOptModelFile + " entry");
+    return fail(env->controlFile + ": no " + kOptModelFile + " or " + kOptInstanceFile + " entry");
   source.path = *file;
   const std::string* format = findOption(env, kOptModelFormat);
   if (format != nullptr && !format->empty()) {
@@ -258,8 +303,6 @@ int ovmLoadDataLegacy(ovmHandle model, std::string& message) {
   }
   if (const std::string* data = findOption(env, kOptDataFile)) source.dataPath = *data;
 
-  auto inst = std::make_shared<HostInstance>();
-  std::string error;
   if (!readModel(source, *inst, error)) return fail(error);
   const std::string* scale = findOption(env, kOptScaleSource);
   if (scale != nullptr && lowerCase(*scale) == "auto" && !hostAutoScale(*inst, error))

@@ -132,6 +132,13 @@ ovdHandle ovdCreateFromInstance(const HostInstance& instance);
 // Why the last call of ovmLoadSolutionLegacy or ovmLoadDataLegacy failed.
 const std::string& ovmLastError(ovmHandle model);
 
+// Phases of a run, marked in the file of the control file's PhaseFile entry when it has one:
+// "begin PHASE" when a phase begins, "end PHASE SECONDS" when it ends. orva shows the phase
+// in its progress line and prints the times with --timings. ovmLoadDataLegacy marks
+// "loading"; the request loop marks each procedure.
+void hostPhaseBegin(oveHandle environment, std::string_view phase);
+void hostPhaseEnd(oveHandle environment);
+
 // Objects live in a table of the process until freed here (the handle becomes nullptr), so
 // that a run may end without releasing them. Freeing an evaluator is done with its model.
 void ovpFree(ovpHandle& audit);

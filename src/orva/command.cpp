@@ -29,6 +29,7 @@ const char* orvaUsage() {
          "            [--requests FILE] [--options FILE] [--page-width N]\n"
          "            [--solve | --no-solve] [--solution FILE] [--time-limit SECONDS]\n"
          "            [--scale auto] [--listing FILE|-] [--keep-scratch DIR]\n"
+         "            [--symbols auto|scalar|trailing-digits|before-digit|first:N] [--timings]\n"
          "       orva --help | --version\n"
          "\n"
          "Reads MODEL, solves it with GLPK when asked (by default when the request file\n"
@@ -41,7 +42,7 @@ bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& com
   static const char* const kWithValue[] = {"--data",     "--format",     "--requests",
                                            "--options",  "--page-width", "--solution",
                                            "--time-limit", "--scale",    "--listing",
-                                           "--keep-scratch"};
+                                           "--keep-scratch", "--symbols"};
   bool solveSeen = false, noSolveSeen = false;
   for (size_t k = 0; k < args.size(); ++k) {
     std::string arg = args[k];
@@ -56,6 +57,10 @@ bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& com
     if (arg == "--solve") {
       solveSeen = true;
       command.solveMode = 1;
+      continue;
+    }
+    if (arg == "--timings") {
+      command.timings = true;
       continue;
     }
     if (arg == "--no-solve") {
@@ -126,6 +131,13 @@ bool orvaParseCommandLine(const std::vector<std::string>& args, OrvaCommand& com
         return false;
       }
       command.scaleAuto = true;
+    } else if (name == "--symbols") {
+      if (!parseSymbolRule(value, command.symbols)) {
+        error = "--symbols " + value +
+                ": the rules are auto, scalar, trailing-digits, before-digit and first:N "
+                "(N from 1 to 63)";
+        return false;
+      }
     } else if (name == "--listing") {
       command.listingPath = value;
     } else {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "host/names.h"
+
 struct OrvaCommand {
   std::string modelPath;
   std::string dataPath;
@@ -17,6 +19,8 @@ struct OrvaCommand {
   bool scaleAuto = false;      // --scale auto
   std::string listingPath;     // --listing, empty: <input>.lst here, "-": standard output
   std::string keepScratchDir;  // --keep-scratch
+  SymbolRule symbols;          // --symbols, for names without brackets in MPS and LP files
+  bool timings = false;        // --timings: the time of each phase on standard error
   bool help = false;
   bool version = false;         // --version
 };

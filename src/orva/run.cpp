@@ -13,10 +13,12 @@
 #include <fstream>
 #include <sstream>
 
+#include "host/instance_file.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
 #include "orva/listing.h"
 #include "orva/options.h"
+#include "orva/progress.h"
 #include "orva/requests.h"
 #include "orva/solve.h"
 
@@ -181,12 +183,9 @@ HostOptions orvaHostOptions(const OrvaRunFiles& f) {
   add(kOptNameScrExt, kOrvaScratchExt);
   add(kOptPageWidth, std::to_string(f.pageWidth));
   add(kOptPageSize, std::to_string(f.pageSize));
-  add(kOptModelFile, f.modelFile);
-  add(kOptModelFormat, f.modelFormat);
-  add(kOptDataFile, f.dataFile);
-  add(kOptSolutionFile, f.solutionFile);
+  add(kOptInstanceFile, f.instanceFile);
+  add(kOptPhaseFile, f.phaseFile);
   add(kOptInputName, f.inputName);
-  if (f.scaleAuto) add(kOptScaleSource, "auto");
   return o;
 }
 
@@ -227,8 +226,15 @@ int orvaMain(const std::vector<std::string>& args) {
   if (!cmd.dataPath.empty() && !isRegularFile(cmd.dataPath)) {
     return fail(cmd.dataPath + ": no such data file");
   }
+  source.symbols = cmd.symbols;
+  OrvaClock clock(cmd.timings);
   HostInstance instance;
-  if (!readModel(source, instance, error)) return fail(error);
+  {
+    OrvaProgress progress("reading " + cmd.modelPath);
+    if (!readModel(source, instance, error, progress.reading())) return fail(error);
+  }
+  clock.lap("reading the model");
+  if (cmd.scaleAuto && !hostAutoScale(instance, error)) return fail(error);
   const fs::path modelPath = absolutePath(cmd.modelPath);
   const std::string modelDir = withSeparator(modelPath.parent_path().string());
   // The input name is the model file's base name: it names the request file and the listing.
@@ -260,6 +266,7 @@ int orvaMain(const std::vector<std::string>& args) {
   if (userSolution) {
     if (!isRegularFile(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
     if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
+    applySolution(instance, solution);
   }
   // Lines that modrake will pass over as no keyword: told now, and the run goes on.
   const OrvaRequestScan requestScan = orvaScanRequests(requestText);
@@ -280,7 +287,12 @@ int orvaMain(const std::vector<std::string>& args) {
     }
     OrvaSolveSettings settings;
     settings.timeLimitSeconds = cmd.timeLimitSeconds;
-    orvaSolveInstance(instance, settings, solution);
+    {
+      OrvaProgress progress("solving");
+      orvaSolveInstance(instance, settings, solution);
+    }
+    applySolution(instance, solution);
+    clock.lap("solving");
     if (instance.objVar > 0 && !solution.colLevel.empty()) {
       std::fprintf(stderr, "orva: GLPK: model status %d %s, objective %.10g\n",
                    static_cast<int>(solution.modelStat), orvaModelStatName(solution.modelStat),
@@ -313,11 +325,7 @@ int orvaMain(const std::vector<std::string>& args) {
   files.statusFile = scratch.dir + inputName + ".sta";
   files.scratchDir = scratch.dir;
   files.pageWidth = cmd.pageWidth;
-  files.modelFile = modelPath.string();
-  files.modelFormat = modelFormatName(source.format);
-  files.dataFile = cmd.dataPath.empty() ? std::string() : absolutePath(cmd.dataPath);
   files.inputName = inputName;
-  files.scaleAuto = cmd.scaleAuto;
   // The request file is read where it stands when modrake can name it there; one given with
   // --requests, or one whose folder is too long a path, is copied into the scratch folder.
   const bool readInPlace = cmd.requestsPath.empty() && modelDir.size() <= kHostOptionLength &&
@@ -331,28 +339,35 @@ int orvaMain(const std::vector<std::string>& args) {
     }
   }
   std::error_code ec;
-  for (const char* stale : {"ovmstat.", "mrkanal."}) fs::remove(scratch.dir + stale + ext, ec);
+  for (const char* stale : {"ovmstat.", "mrkanal.", "timings."})
+    fs::remove(scratch.dir + stale + ext, ec);
   {
     std::FILE* f = std::fopen(files.statusFile.c_str(), "w");  // modrake appends to it
     if (f == nullptr) return fail(files.statusFile + ": cannot create: " + std::strerror(errno));
     std::fclose(f);
   }
-  if (options.solutionExpected) {
-    if (userSolution) {
-      files.solutionFile = absolutePath(cmd.solutionPath);
-    } else {
-      files.solutionFile = scratch.dir + inputName + ".sol";
-      if (!writeSolutionFile(files.solutionFile, instance, solution, error)) return fail(error);
-    }
-  }
+  // The model, with its scale factors and the solution handed over, goes to modrake in the
+  // host's binary form: modrake reads no model file.
+  files.instanceFile = scratch.dir + "orvainst." + ext;
+  files.phaseFile = scratch.dir + "timings." + ext;
+  if (!writeInstanceFile(files.instanceFile, instance, error)) return fail(error);
+  clock.lap("handing over");
   const std::string controlFile = scratch.dir + "orva.ctl";
   if (!writeHostControlFile(controlFile, orvaHostOptions(files), error)) return fail(error);
   if (!orvaWriteControlRecords(scratch.dir + "modrake." + ext, options, error)) return fail(error);
 
-  // With the listing on standard output, the log goes to standard error.
+  // orva keeps no copy of the model while modrake holds its own. With the listing on standard
+  // output, the log goes to standard error.
+  instance = HostInstance{};
   const bool listingToStdout = cmd.listingPath == "-";
-  const int status = runModrake(modrake, controlFile, listingToStdout, error);
+  int status = 0;
+  {
+    OrvaProgress progress("starting modrake", files.phaseFile);
+    status = runModrake(modrake, controlFile, listingToStdout, error);
+  }
   if (status < 0) return fail(error);
+  clock.lap("modrake");
+  clock.modrakePhases(files.phaseFile);
 
   // The listing.
   std::FILE* out = stdout;

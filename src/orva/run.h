@@ -21,12 +21,9 @@ struct OrvaRunFiles {
   std::string scratchDir;
   int pageWidth = 130;
   int pageSize = 60;
-  std::string modelFile;
-  std::string modelFormat;
-  std::string dataFile;
-  std::string solutionFile;
+  std::string instanceFile;  // the model in the host's binary form
+  std::string phaseFile;     // where modrake marks its phases
   std::string inputName;
-  bool scaleAuto = false;
 };
 HostOptions orvaHostOptions(const OrvaRunFiles& files);
 

@@ -231,8 +231,10 @@ void runRequestLoop() {
     }
 
     fixPageWidth();
-    const bool sectionRead =
-        runProcedure(procedureRow(static_cast<Proc>(runState.procIndex)), runState);
+    const ProcedureRow& procedure = procedureRow(static_cast<Proc>(runState.procIndex));
+    hostPhaseBegin(runState.environment, procedure.keyword);
+    const bool sectionRead = runProcedure(procedure, runState);
+    hostPhaseEnd(runState.environment);
     loop.procedureRan = true;
     if (sectionRead) next = Next::Dispatch;
   }

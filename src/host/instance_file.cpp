@@ -1,0 +1,213 @@
+#include "host/instance_file.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+constexpr char kMagic[8] = {'O', 'R', 'V', 'A', 'I', 'N', 'S', 'T'};
+
+// A running checksum over the body, eight bytes at a time. Writer and reader hand it the same
+// pieces in the same order.
+struct Checksum {
+  uint64_t value = 0x6a09e667f3bcc908ull;
+  void mix(uint64_t word) {
+    value = (value ^ word) * 0x9e3779b97f4a7c15ull;
+    value ^= value >> 29;
+  }
+  void add(const void* data, std::size_t size) {
+    const auto* p = static_cast<const unsigned char*>(data);
+    std::size_t k = 0;
+    for (; k + 8 <= size; k += 8) {
+      uint64_t word;
+      std::memcpy(&word, p + k, 8);
+      mix(word);
+    }
+    uint64_t tail = size;
+    for (; k < size; ++k) tail = (tail << 8) | p[k];
+    mix(tail);
+  }
+};
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+// The fields of a symbol and of a label, for writing (const) and reading.
+template <typename IO, typename S>
+  requires std::is_same_v<std::remove_const_t<S>, HostSymbol>
+void visitItem(IO& io, S& s) {
+  io(s.name);
+  io(s.isEquation);
+  io(s.dim);
+}
+template <typename IO, typename L>
+  requires std::is_same_v<std::remove_const_t<L>, HostLabel>
+void visitItem(IO& io, L& l) {
+  io(l.text);
+  io(l.quote);
+}
+
+struct Writer {
+  std::FILE* f;
+  Checksum sum;
+  bool ok = true;
+  void bytes(const void* data, std::size_t size) {
+    sum.add(data, size);
+    if (size > 0 && std::fwrite(data, 1, size, f) != size) ok = false;
+  }
+  template <typename T>
+  void operator()(const T& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      bytes(&value, sizeof value);
+    } else if constexpr (std::is_same_v<T, std::string>) {
+      const uint64_t n = value.size();
+      bytes(&n, sizeof n);
+      bytes(value.data(), value.size());
+    } else if constexpr (std::is_arithmetic_v<typename T::value_type>) {
+      const uint64_t n = value.size();
+      bytes(&n, sizeof n);
+      bytes(value.data(), value.size() * sizeof(typename T::value_type));
+    } else {
+      const uint64_t n = value.size();
+      bytes(&n, sizeof n);
+      for (const auto& item : value) visitItem(*this, item);
+    }
+  }
+};
+
+struct Reader {
+  std::FILE* f;
+  uint64_t left;  // bytes of the file not read yet
+  Checksum sum;
+  bool ok = true;
+  bool bytes(void* data, std::size_t size) {
+    if (!ok || size > left || (size > 0 && std::fread(data, 1, size, f) != size)) {
+      ok = false;
+      return false;
+    }
+    left -= size;
+    sum.add(data, size);
+    return true;
+  }
+  // A length, checked against what is left of the file for elements of `each` bytes.
+  bool length(uint64_t& n, std::size_t each) {
+    if (!bytes(&n, sizeof n)) return false;
+    if (n > left / (each == 0 ? 1 : each)) ok = false;
+    return ok;
+  }
+  template <typename T>
+  void operator()(T& value) {
+    if constexpr (std::is_same_v<T, bool>) {
+      unsigned char b = 0;
+      bytes(&b, 1);
+      if (b > 1) ok = false;
+      value = b == 1;
+    } else if constexpr (std::is_arithmetic_v<T>) {
+      bytes(&value, sizeof value);
+    } else if constexpr (std::is_same_v<T, std::string>) {
+      uint64_t n = 0;
+      if (!length(n, 1)) return;
+      value.resize(n);
+      bytes(value.data(), n);
+    } else if constexpr (std::is_arithmetic_v<typename T::value_type>) {
+      uint64_t n = 0;
+      if (!length(n, sizeof(typename T::value_type))) return;
+      value.resize(n);
+      bytes(value.data(), n * sizeof(typename T::value_type));
+    } else {
+      uint64_t n = 0;
+      if (!length(n, 8)) return;  // every item takes at least 8 bytes
+      value.resize(n);
+      for (auto& item : value) {
+        if (!ok) return;
+        visitItem(*this, item);
+      }
+    }
+  }
+};
+
+// The fields of the file, in their one order, for writing and for reading.
+template <typename IO, typename Instance>
+void visitInstance(IO& io, Instance& in) {
+  io(in.inputName); io(in.sourcePath);
+  io(in.rowCount); io(in.colCount); io(in.objVar); io(in.objRow);
+  io(in.minimizing); io(in.hasScale); io(in.hasSolution); io(in.modelStat); io(in.solveStat);
+  io(in.rowType); io(in.rowRhs); io(in.rowScale); io(in.rowLevel); io(in.rowMarginal);
+  io(in.rowStat); io(in.rowCStat);
+  io(in.colType); io(in.colLower); io(in.colUpper); io(in.colScale); io(in.colLevel);
+  io(in.colMarginal); io(in.colStat); io(in.colCStat);
+  io(in.colStart); io(in.entryRow); io(in.entryValue); io(in.entryNonlinear);
+  io(in.symbols); io(in.labels);
+  io(in.rowSymbol); io(in.rowUelStart); io(in.rowUels);
+  io(in.colSymbol); io(in.colUelStart); io(in.colUels);
+}
+
+}  // namespace
+
+
+bool writeInstanceFile(const std::string& path, const HostInstance& instance, std::string& error) {
+  File file(std::fopen(path.c_str(), "wb"), &std::fclose);
+  if (!file) {
+    error = path + ": cannot write the instance: " + std::strerror(errno);
+    return false;
+  }
+  Writer w{file.get(), {}};
+  const uint32_t version = kInstanceFileVersion;
+  bool ok = std::fwrite(kMagic, 1, sizeof kMagic, w.f) == sizeof kMagic &&
+            std::fwrite(&version, sizeof version, 1, w.f) == 1;
+  visitInstance(w, instance);
+  const uint64_t sum = w.sum.value;
+  ok = ok && w.ok && std::fwrite(&sum, sizeof sum, 1, w.f) == 1;
+  if (std::fclose(file.release()) != 0) ok = false;
+  if (!ok) error = path + ": cannot write the instance: " + std::strerror(errno);
+  return ok;
+}
+
+bool loadInstanceFile(const std::string& path, HostInstance& instance, std::string& error) {
+  File file(std::fopen(path.c_str(), "rb"), &std::fclose);
+  struct stat st {};
+  if (!file || fstat(fileno(file.get()), &st) != 0) {
+    error = path + ": cannot read the instance: " + std::strerror(errno);
+    return false;
+  }
+  char magic[sizeof kMagic] = {};
+  uint32_t version = 0;
+  const auto size = static_cast<uint64_t>(st.st_size);
+  if (size < sizeof magic + sizeof version ||
+      std::fread(magic, 1, sizeof magic, file.get()) != sizeof magic ||
+      std::memcmp(magic, kMagic, sizeof magic) != 0 ||
+      std::fread(&version, sizeof version, 1, file.get()) != 1) {
+    error = path + ": not an instance file of this host";
+    return false;
+  }
+  if (version != kInstanceFileVersion) {
+    error = path + ": instance file version " + std::to_string(version) + ", this host reads " +
+            std::to_string(kInstanceFileVersion);
+    return false;
+  }
+  instance = HostInstance{};
+  Reader r{file.get(), size - sizeof magic - sizeof version, {}};
+  visitInstance(r, instance);
+  const uint64_t computed = r.sum.value;
+  uint64_t stored = 0;
+  if (!r.ok || !r.bytes(&stored, sizeof stored)) {
+    instance = HostInstance{};
+    error = path + ": the instance file is cut short or damaged";
+    return false;
+  }
+  if (stored != computed || r.left != 0) {
+    instance = HostInstance{};
+    error = path + ": the instance file is damaged (its checksum does not match)";
+    return false;
+  }
+  if (!hostCheckInstance(instance, error)) {
+    error = path + ": " + error;
+    instance = HostInstance{};
+    return false;
+  }
+  return true;
+}

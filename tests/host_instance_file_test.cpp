@@ -1,0 +1,107 @@
+// The instance in binary form: what goes in comes back, and a short, foreign, newer or
+// damaged file is refused without reading past its end.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "host/instance_file.h"
+#include "host/readers.h"
+#include "host/solution_file.h"
+#include "host_test_files.h"
+
+namespace {
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// A model with a dictionary, quotes, scale factors and a solution: every kind of field.
+HostInstance sample() {
+  HostInstance in;
+  std::string error;
+  EXPECT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in,
+                        error))
+      << error;
+  EXPECT_TRUE(hostAutoScale(in, error)) << error;
+  HostSolution solution;
+  solution.modelStat = kStatIntermediateNonoptimal;
+  solution.solveStat = 3;
+  solution.rowLevel.assign(in.rowCount, 1.5);
+  solution.rowMarginal.assign(in.rowCount, -0.25);
+  solution.rowStat.assign(in.rowCount, 2);
+  solution.rowCStat.assign(in.rowCount, 1);
+  solution.colLevel.assign(in.colCount, 3.0);
+  solution.colMarginal.assign(in.colCount, 0.5);
+  solution.colStat.assign(in.colCount, 3);
+  solution.colCStat.assign(in.colCount, 2);
+  applySolution(in, solution);
+  return in;
+}
+
+TEST(InstanceFile, WhatGoesInComesBack) {
+  HostScratch scratch;
+  const HostInstance in = sample();
+  std::string error;
+  const std::string first = scratch.path("a.ins"), second = scratch.path("b.ins");
+  ASSERT_TRUE(writeInstanceFile(first, in, error)) << error;
+  HostInstance back;
+  ASSERT_TRUE(loadInstanceFile(first, back, error)) << error;
+  // Written again, the file is the same to the byte: no field was lost or changed.
+  ASSERT_TRUE(writeInstanceFile(second, back, error)) << error;
+  EXPECT_EQ(bytesOf(first), bytesOf(second));
+  ASSERT_EQ(back.rowCount, in.rowCount);
+  for (int32_t i = 0; i < in.rowCount; ++i) EXPECT_EQ(hostRowName(back, i), hostRowName(in, i));
+  EXPECT_EQ(back.rowScale, in.rowScale);
+  EXPECT_EQ(back.colLevel, in.colLevel);
+  EXPECT_EQ(back.colCStat, in.colCStat);
+  EXPECT_EQ(back.labels.size(), in.labels.size());
+  EXPECT_EQ(back.labels[in.labels.size() - 1].quote, in.labels.back().quote);
+  EXPECT_TRUE(back.hasSolution && back.hasScale);
+  EXPECT_EQ(back.solveStat, 3);
+}
+
+TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {
+  HostScratch scratch;
+  std::string error;
+  const std::string good = scratch.path("good.ins");
+  ASSERT_TRUE(writeInstanceFile(good, sample(), error)) << error;
+  const std::string bytes = bytesOf(good);
+  struct Case {
+    std::string text;
+    std::string reason;
+  };
+  std::vector<Case> cases = {
+      {"", "not an instance file of this host"},
+      {"NAME x\nROWS\n", "not an instance file of this host"},
+      {bytes.substr(0, 8) + std::string("\x02\0\0\0", 4) + bytes.substr(12),
+       "instance file version 2, this host reads 1"},
+      {bytes + "x", "the instance file is damaged (its checksum does not match)"},
+  };
+  // Cut anywhere after the header, the file is short.
+  for (std::size_t cut : {std::size_t{12}, std::size_t{20}, bytes.size() / 3, bytes.size() / 2,
+                          bytes.size() - 9, bytes.size() - 1})
+    cases.push_back({bytes.substr(0, cut), "the instance file is cut short or damaged"});
+  // A byte changed in a value is caught by the checksum; in the length of the first vector
+  // (after the two names and the nine numbers), by the lengths no longer fitting the file.
+  std::string changedValue = bytes;
+  changedValue[bytes.size() - 20] ^= 0x10;
+  cases.push_back({changedValue, "the instance file is damaged (its checksum does not match)"});
+  std::string hugeLength = bytes;
+  const std::size_t firstVector = 12 + 8 + sample().inputName.size() + 8 +
+                                  sample().sourcePath.size() + 4 * 4 + 3 + 2 * 4;
+  hugeLength[firstVector + 6] = '\x7f';
+  cases.push_back({hugeLength, "the instance file is cut short or damaged"});
+  for (const Case& c : cases) {
+    const std::string path = scratch.path("bad.ins");
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << c.text;
+    HostInstance in;
+    EXPECT_FALSE(loadInstanceFile(path, in, error)) << c.reason;
+    EXPECT_EQ(error, path + ": " + c.reason);
+    EXPECT_EQ(in.rowCount, 0);
+  }
+}
+
+}  // namespace
