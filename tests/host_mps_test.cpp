@@ -64,6 +64,42 @@ TEST(MpsReader, EqualsGlpkOnEveryBundledModel) {
   expectEqualToGlpk(hostTestData("afiro.mps"), ModelFormat::Mps, {});
 }
 
+// The default rule on real models' code names: afiro's R09 and X05, blend's bare numbers,
+// sc105's ROW00001 and COL00001 fall into a few symbols, where trailing digits make blend's
+// numbers 74 symbols of their own.
+TEST(MpsReader, DefaultRuleGroupsRealCodeNames) {
+  const std::string netlib = std::string(SOURCE_DIR) + "/tests/data/netlib/";
+  struct Case {
+    const char* model;
+    const char* rule;
+    std::vector<std::string> symbols;  // equations, then variables
+  };
+  const Case cases[] = {
+      {"afiro", "auto", {"COST", "R", "X", "X", "objvar"}},
+      {"blend", "auto", {"C", "#", "#", "objvar"}},
+      {"sc105", "auto", {"MAXIM", "ROW", "COL", "objvar"}},
+  };
+  for (const Case& c : cases) {
+    HostInstance in;
+    std::string error;
+    SymbolRule rule;
+    ASSERT_TRUE(parseSymbolRule(c.rule, rule));
+    ASSERT_TRUE(readModel(ModelSource{netlib + c.model + ".mps", ModelFormat::FixedMps, "", rule},
+                          in, error))
+        << error;
+    std::vector<std::string> names;
+    for (const HostSymbol& sym : in.symbols) names.push_back(sym.name);
+    EXPECT_EQ(names, c.symbols) << c.model;
+  }
+  HostInstance blend;
+  std::string error;
+  SymbolRule trailing;
+  ASSERT_TRUE(parseSymbolRule("trailing-digits", trailing));
+  ASSERT_TRUE(readModel(ModelSource{netlib + "blend.mps", ModelFormat::FixedMps, "", trailing},
+                        blend, error));
+  EXPECT_EQ(blend.symbols.size(), 1u + 74 + 83 + 1);
+}
+
 TEST(MpsReader, EqualsGlpkOnGeneratedModels) {
   HostScratch scratch;
   struct Case {

@@ -142,4 +142,68 @@ TEST(HostNames, DictionaryOperationsCountFromZero) {
   EXPECT_EQ(d, nullptr);
 }
 
+// Each rule on the names that tell them apart: symbol, then labels after "|".
+TEST(HostNames, SymbolRules) {
+  struct Case {
+    const char* rule;
+    const char* name;
+    const char* symbol;
+    const char* labels;
+  };
+  const Case cases[] = {
+      {"trailing-digits", "BC1AGI.C", "BC1AGI.C", ""},
+      {"trailing-digits", "BOUND301", "BOUND", "301"},
+      {"trailing-digits", "65", "65", ""},
+      {"before-digit", "BC1AGI.C", "BC", "1AGI.C"},
+      {"before-digit", "BOUND301", "BOUND", "301"},
+      {"before-digit", "65", "#", "65"},
+      {"before-digit", "AUAEL...", "AUAEL...", ""},
+      {"before-digit", "ship(a,b)", "ship", "a|b"},
+      {"first:3", "AUAEL...", "AUA", "EL..."},
+      {"first:3", "BC1AGI.C", "BC1", "AGI.C"},
+      {"first:3", "ABC", "ABC", ""},
+      {"first:3", "x[1]", "x", "1"},
+      {"scalar", "e1", "e1", ""},
+      {"scalar", "e[1]", "e", "1"},
+  };
+  for (const Case& c : cases) {
+    SymbolRule rule;
+    ASSERT_TRUE(parseSymbolRule(c.rule, rule)) << c.rule;
+    EXPECT_EQ(symbolRuleName(rule), c.rule);
+    const HostName n = hostParseName(c.name, rule);
+    EXPECT_EQ(n.symbol, c.symbol) << c.rule << " " << c.name;
+    EXPECT_EQ(labelsOf(n), c.labels) << c.rule << " " << c.name;
+  }
+  SymbolRule rule;
+  for (const char* bad : {"first:0", "first:64", "first:", "first:x", "digits", "Auto"})
+    EXPECT_FALSE(parseSymbolRule(bad, rule)) << bad;
+}
+
+// The automatic rule: names with brackets make the others scalars; code names are cut before
+// their first digit, unless that leaves more than a thousand symbols.
+TEST(HostNames, AutomaticRule) {
+  auto resolve = [](const std::vector<std::string>& names) {
+    return symbolRuleName(hostResolveSymbolRule(SymbolRule{}, [&](const auto& f) {
+      for (const std::string& n : names) f(n);
+    }));
+  };
+  EXPECT_EQ(resolve({"x(1,2)", "e1", "cost"}), "scalar");
+  EXPECT_EQ(resolve({"R09", "X05", "COST", "a(b)c"}), "before-digit");
+  // 1200 names of six letters without digits: first:8 and first:7 keep them all apart,
+  // first:6 too; first:5 leaves the 1200 / 26 stems of five letters.
+  std::vector<std::string> letters;
+  for (int k = 0; k < 1200; ++k) {
+    std::string n = "AAAAA";
+    n[4] = static_cast<char>('A' + k / 26 % 26);
+    n[3] = static_cast<char>('A' + k / 676);
+    n += static_cast<char>('A' + k % 26);
+    letters.push_back(n);
+  }
+  EXPECT_EQ(resolve(letters), "first:5");
+  SymbolRule asked;
+  ASSERT_TRUE(parseSymbolRule("trailing-digits", asked));
+  EXPECT_EQ(hostResolveSymbolRule(asked, [&](const auto& f) { f("x(1)"); }).kind,
+            SymbolRuleKind::TrailingDigits);
+}
+
 }  // namespace

@@ -14,11 +14,13 @@
 
 namespace {
 
-// Names of one kind, kept once in an arena and found by an open-addressing hash table.
+// Names of one kind, kept once in an arena and found by an open-addressing hash table whose
+// slots hold the upper half of the name's hash beside its index, so that a probe touches the
+// arena only when the halves agree.
 struct NameTable {
   std::string arena;
   std::vector<std::size_t> start{0};
-  std::vector<int32_t> slots;  // index + 1, 0 for an empty slot
+  std::vector<uint64_t> slots;  // hash's upper half << 32 | index + 1; 0 for an empty slot
 
   int32_t size() const { return static_cast<int32_t>(start.size() - 1); }
   std::string_view name(int32_t k) const {
@@ -27,30 +29,44 @@ struct NameTable {
   static uint64_t hash(std::string_view s) {
     uint64_t h = 1469598103934665603ull;
     for (char c : s) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-    return h;
+    // The product carries a byte's change only upwards: mix the high bits into the low ones
+    // that pick the slot.
+    h ^= h >> 32;
+    h *= 0xd6e8feb86659fd93ull;
+    return h ^ (h >> 32);
   }
-  // The slot where `s` is or would go.
-  std::size_t slotOf(std::string_view s) const {
+  // The slot where `s`, of hash `h`, is or would go.
+  std::size_t slotOf(std::string_view s, uint64_t h) const {
     const std::size_t mask = slots.size() - 1;
-    std::size_t at = static_cast<std::size_t>(hash(s)) & mask;
-    while (slots[at] != 0 && name(slots[at] - 1) != s) at = (at + 1) & mask;
+    const uint64_t tag = h >> 32 << 32;
+    std::size_t at = static_cast<std::size_t>(h) & mask;
+    while (slots[at] != 0) {
+      if ((slots[at] >> 32 << 32) == tag &&
+          name(static_cast<int32_t>(slots[at] & 0xffffffffu) - 1) == s)
+        break;
+      at = (at + 1) & mask;
+    }
     return at;
   }
   int32_t find(std::string_view s) const {
     if (slots.empty()) return -1;
-    return slots[slotOf(s)] - 1;
+    return static_cast<int32_t>(slots[slotOf(s, hash(s))] & 0xffffffffu) - 1;
   }
   // Adds `s`, which must not be there yet; returns its index.
   int32_t add(std::string_view s) {
     if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
       slots.assign(std::max<std::size_t>(64, slots.size() * 2), 0);
-      for (int32_t k = 0; k < size(); ++k) slots[slotOf(name(k))] = k + 1;
+      for (int32_t k = 0; k < size(); ++k) place(name(k), k);
     }
     const int32_t k = size();
-    slots[slotOf(s)] = k + 1;
+    place(s, k);
     arena.append(s);
     start.push_back(arena.size());
     return k;
+  }
+  void place(std::string_view s, int32_t k) {
+    const uint64_t h = hash(s);
+    slots[slotOf(s, h)] = (h >> 32 << 32) | static_cast<uint64_t>(k + 1);
   }
 };
 

@@ -64,6 +64,7 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
       procedureRan = true;
       inSection = procedure->readsSection;
       scan.needsSolution = scan.needsSolution || procedure->loadsSolution;
+      scan.blockPicture = scan.blockPicture || procedure->keyword == "BLOCKPIC";
       continue;
     }
     // Everything else in a section is the procedure's: requests, its words, THEEND.
@@ -71,6 +72,7 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
     if (line.starts_with("THEEND")) {
       if (procedureRan) break;
       procedureRan = true;  // BLOCKPIC is assumed, and the lines behind are read
+      scan.blockPicture = true;
       continue;
     }
     std::string_view word =
@@ -78,6 +80,7 @@ OrvaRequestScan orvaScanRequests(const std::string& text) {
     word = word.substr(0, word.find_last_not_of(' ') + 1);  // the blanks that pad the line
     scan.strayLines.push_back({lineNumber, quotedText(raw), suggestedKeyword(word)});
   }
+  if (!procedureRan) scan.blockPicture = true;  // modrake runs BLOCKPIC when nothing is asked
   return scan;
 }
 

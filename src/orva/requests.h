@@ -1,5 +1,5 @@
-// What orva needs to know of a request file before the run: whether it asks for a solution,
-// and which lines between procedures modrake will pass over as matching no keyword.
+// What orva needs to know of a request file before the run: whether it asks for a solution or
+// runs BLOCKPIC, and which lines between procedures modrake will pass over as matching no keyword.
 #pragma once
 
 #include <span>
@@ -17,6 +17,7 @@ struct OrvaStrayLine {
 
 struct OrvaRequestScan {
   bool needsSolution = false;  // a keyword line names POSTOPT or NONOPT (also `$` forms)
+  bool blockPicture = false;   // BLOCKPIC is named, or assumed since no procedure comes first
   std::vector<OrvaStrayLine> strayLines;
 };
 

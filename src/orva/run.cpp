@@ -16,6 +16,7 @@
 #include "host/instance_file.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
+#include "orva/block_tables.h"
 #include "orva/listing.h"
 #include "orva/options.h"
 #include "orva/progress.h"
@@ -303,6 +304,12 @@ int orvaMain(const std::vector<std::string>& args) {
     }
   }
   options.solutionExpected = userSolution || solve;
+
+  // BLOCKPIC, asked for or run because nothing else is, may need large tables.
+  if (requestScan.blockPicture) {
+    const std::string warning = orvaBlockTableWarning(instance, options);
+    if (!warning.empty()) std::fprintf(stderr, "orva: %s\n", warning.c_str());
+  }
 
   // modrake, next to this program.
   const std::string modrake = withSeparator(programFolder()) + "modrake";
