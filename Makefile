@@ -4,8 +4,11 @@ MAKEFLAGS += --no-print-directory
 BUILD ?= build
 SAN_BUILD ?= build-san
 DEMO ?= $(BUILD)/demo
+BENCH_BUILD ?= build-release
+BENCH_DIR ?= $(BENCH_BUILD)/bench-run
+BENCH_SIZES ?= 250000 500000 1000000
 
-.PHONY: all deps configure build programs demo test test-plain test-san clean
+.PHONY: all deps configure build programs demo test test-plain test-san bench clean
 
 all: build
 
@@ -43,5 +46,13 @@ test-san: deps
 	@cmake --build $(SAN_BUILD) -j $(JOBS)
 	@cd $(SAN_BUILD) && ctest --output-on-failure -j $(JOBS)
 
+# Generated models read by glpsol --check and diagnosed by orva, in a Release build.
+bench:
+	@scripts/install-deps.sh bench
+	@cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
+	@cmake --build $(BENCH_BUILD) -j $(JOBS) --target orva modrake modrake-bench
+	@mkdir -p $(BENCH_DIR)
+	@$(BENCH_BUILD)/modrake-bench $(BENCH_DIR) $(BENCH_BUILD)/orva $(BENCH_SIZES)
+
 clean:
-	rm -rf $(BUILD) $(SAN_BUILD)
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,9 +108,9 @@ bool copyFile(const std::string& from, const std::string& to, std::string& error
 
 // Starts modrake with the control file, its standard output (the log) on ours, or on our
 // standard error when `logToStderr`, and waits for it. Returns its exit status, or -1 with
-// `error`.
+// `error`; `peakKb` gets its peak resident memory.
 int runModrake(const std::string& modrake, const std::string& controlFile, bool logToStderr,
-               std::string& error) {
+               std::string& error, long& peakKb) {
   std::fflush(stdout);
   std::fflush(stderr);
   std::vector<char> prog(modrake.begin(), modrake.end());
@@ -140,7 +141,8 @@ int runModrake(const std::string& modrake, const std::string& controlFile, bool 
   posix_spawnattr_destroy(&attr);
   int status = 0;
   bool waited = rc == 0;
-  while (waited && waitpid(pid, &status, 0) < 0) {
+  struct rusage usage {};
+  while (waited && wait4(pid, &status, 0, &usage) < 0) {
     if (errno != EINTR) {
       error = modrake + ": lost while waiting: " + std::strerror(errno);
       waited = false;
@@ -151,6 +153,7 @@ int runModrake(const std::string& modrake, const std::string& controlFile, bool 
   sigaction(SIGTERM, &oldTerm, nullptr);
   if (rc > 0) error = modrake + ": cannot start: " + std::strerror(rc);
   if (!waited) return -1;
+  peakKb = usage.ru_maxrss;
   if (WIFEXITED(status)) return WEXITSTATUS(status);
   if (WIFSIGNALED(status)) {
     std::fprintf(stderr, "orva: modrake ended by signal %d\n", WTERMSIG(status));
@@ -368,13 +371,20 @@ int orvaMain(const std::vector<std::string>& args) {
   instance = HostInstance{};
   const bool listingToStdout = cmd.listingPath == "-";
   int status = 0;
+  long modrakePeakKb = 0;
   {
     OrvaProgress progress("starting modrake", files.phaseFile);
-    status = runModrake(modrake, controlFile, listingToStdout, error);
+    status = runModrake(modrake, controlFile, listingToStdout, error, modrakePeakKb);
   }
   if (status < 0) return fail(error);
   clock.lap("modrake");
   clock.modrakePhases(files.phaseFile);
+  if (cmd.timings) {
+    struct rusage self {};
+    getrusage(RUSAGE_SELF, &self);
+    std::fprintf(stderr, "orva: peak memory orva %ld MB, modrake %ld MB\n", self.ru_maxrss >> 10,
+                 modrakePeakKb >> 10);
+  }
 
   // The listing.
   std::FILE* out = stdout;
