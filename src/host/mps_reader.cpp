@@ -14,17 +14,27 @@
 
 namespace {
 
-// Names of one kind, kept once in an arena and found by an open-addressing hash table whose
-// slots hold the upper half of the name's hash beside its index, so that a probe touches the
-// arena only when the halves agree.
+// Names of one kind, kept once in an arena and found by an open-addressing hash table. In the
+// arena each name follows its index and length; a slot holds the upper bits of the name's hash
+// and where it lies in the arena, so that a probe reads the arena only when the bits agree and
+// then finds index, length and text side by side.
 struct NameTable {
+  static constexpr int kOffsetBits = 40;
+  static constexpr uint64_t kOffsetMask = (uint64_t{1} << kOffsetBits) - 1;
   std::string arena;
-  std::vector<std::size_t> start{0};
-  std::vector<uint64_t> slots;  // hash's upper half << 32 | index + 1; 0 for an empty slot
+  std::vector<std::size_t> start;  // arena offset of each name's header
+  std::vector<uint64_t> slots;     // hash's top bits << 40 | offset + 1; 0 for an empty slot
 
-  int32_t size() const { return static_cast<int32_t>(start.size() - 1); }
+  int32_t size() const { return static_cast<int32_t>(start.size()); }
+  static std::string_view textAt(const std::string& arena, std::size_t offset, int32_t& index) {
+    uint32_t header[2];
+    std::memcpy(header, arena.data() + offset, sizeof header);
+    index = static_cast<int32_t>(header[0]);
+    return std::string_view(arena).substr(offset + sizeof header, header[1]);
+  }
   std::string_view name(int32_t k) const {
-    return std::string_view(arena).substr(start[k], start[k + 1] - start[k]);
+    int32_t index = 0;
+    return textAt(arena, start[k], index);
   }
   static uint64_t hash(std::string_view s) {
     uint64_t h = 1469598103934665603ull;
@@ -35,38 +45,47 @@ struct NameTable {
     h *= 0xd6e8feb86659fd93ull;
     return h ^ (h >> 32);
   }
-  // The slot where `s`, of hash `h`, is or would go.
-  std::size_t slotOf(std::string_view s, uint64_t h) const {
+  // The slot where `s`, of hash `h`, is or would go; `index` gets its index when it is there.
+  std::size_t slotOf(std::string_view s, uint64_t h, int32_t& index) const {
     const std::size_t mask = slots.size() - 1;
-    const uint64_t tag = h >> 32 << 32;
+    const uint64_t tag = h & ~kOffsetMask;
     std::size_t at = static_cast<std::size_t>(h) & mask;
+    index = -1;
     while (slots[at] != 0) {
-      if ((slots[at] >> 32 << 32) == tag &&
-          name(static_cast<int32_t>(slots[at] & 0xffffffffu) - 1) == s)
-        break;
+      if ((slots[at] & ~kOffsetMask) == tag) {
+        int32_t k = 0;
+        if (textAt(arena, (slots[at] & kOffsetMask) - 1, k) == s) {
+          index = k;
+          break;
+        }
+      }
       at = (at + 1) & mask;
     }
     return at;
   }
   int32_t find(std::string_view s) const {
-    if (slots.empty()) return -1;
-    return static_cast<int32_t>(slots[slotOf(s, hash(s))] & 0xffffffffu) - 1;
+    int32_t index = -1;
+    if (!slots.empty()) slotOf(s, hash(s), index);
+    return index;
   }
   // Adds `s`, which must not be there yet; returns its index.
   int32_t add(std::string_view s) {
     if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
       slots.assign(std::max<std::size_t>(64, slots.size() * 2), 0);
-      for (int32_t k = 0; k < size(); ++k) place(name(k), k);
+      for (int32_t k = 0; k < size(); ++k) place(name(k), start[k]);
     }
     const int32_t k = size();
-    place(s, k);
-    arena.append(s);
+    const uint32_t header[2] = {static_cast<uint32_t>(k), static_cast<uint32_t>(s.size())};
     start.push_back(arena.size());
+    arena.append(reinterpret_cast<const char*>(header), sizeof header);
+    arena.append(s);
+    place(s, start.back());
     return k;
   }
-  void place(std::string_view s, int32_t k) {
+  void place(std::string_view s, std::size_t offset) {
     const uint64_t h = hash(s);
-    slots[slotOf(s, h)] = (h >> 32 << 32) | static_cast<uint64_t>(k + 1);
+    int32_t index = 0;
+    slots[slotOf(s, h, index)] = (h & ~kOffsetMask) | (offset + 1);
   }
 };
 
