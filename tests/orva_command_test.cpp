@@ -115,6 +115,9 @@ TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {
        "orva: --time-limit soon: the time limit is a number of seconds above 0"},
       {"scale source", {kTransport, "--scale", "geometric"},
        "orva: --scale geometric: the only scale source is auto"},
+      {"unknown symbol rule", {kTransport, "--symbols", "first:0"},
+       "orva: --symbols first:0: the rules are auto, scalar, trailing-digits, before-digit and "
+       "first:N (N from 1 to 63)"},
       {"solve and no-solve", {kTransport, "--solve", "--no-solve"},
        "orva: --solve and --no-solve exclude each other"},
       {"no model", {"--no-solve"}, "orva: no model given"},
@@ -213,6 +216,30 @@ TEST(OrvaCommandRun, TransportDemoListing) {
             std::string::npos);
   EXPECT_NE(r.out.find("MODRAKE All Done"), std::string::npos);
   EXPECT_EQ(r.err, "orva: listing written to transport.lst\n");
+  fs::remove_all(dir);
+}
+
+// --timings: each phase of orva and of modrake, in the order they ran, and the peak memory of
+// both processes; nothing of it, nor of a progress line, in the listing.
+TEST(OrvaCommandRun, TimingsNameEveryPhase) {
+  const fs::path dir = freshDir("timings");
+  std::ofstream(dir / "two.mrk") << "ANALYSIS\nBLOCKLIST\n";
+  RunResult r = runOrva(dir, {kData + "small.json", "--timings", "--solve", "--requests",
+                              "two.mrk", "--listing", "two.lst"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  std::vector<std::string> phases;
+  std::istringstream err(r.err);
+  for (std::string line; std::getline(err, line);) {
+    if (line.rfind("orva: time ", 0) != 0) continue;
+    const std::string rest = line.substr(11);
+    phases.push_back(rest.substr(0, rest.rfind(' ')));
+  }
+  EXPECT_EQ(phases, (std::vector<std::string>{"reading the model", "solving", "handing over",
+                                              "modrake", "loading", "ANALYSIS", "BLOCKLIST"}));
+  EXPECT_NE(r.err.find("orva: peak memory orva "), std::string::npos);
+  EXPECT_EQ(r.err.find('\r'), std::string::npos);
+  const std::string listing = readFile(dir / "two.lst");
+  EXPECT_EQ(listing.find("time"), std::string::npos);
   fs::remove_all(dir);
 }
 
