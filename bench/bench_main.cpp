@@ -34,6 +34,7 @@ constexpr double kGrowthTarget = 2.1;
 
 struct Run {
   double seconds = 0;
+  double cpuSeconds = 0;  // user and system time of the run and its children
   double peakMb = 0;  // the largest process of the run: orva's wait covers modrake
   int status = -1;
   std::string err;
@@ -61,6 +62,10 @@ Run run(const std::vector<std::string>& argv, const std::string& out, const std:
   wait4(pid, &status, 0, &usage);
   r.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   r.peakMb = static_cast<double>(usage.ru_maxrss) / 1024.0;
+  auto seconds = [](const timeval& t) {
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+  };
+  r.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
   r.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   std::ifstream in(err);
   std::stringstream text;
@@ -140,11 +145,13 @@ int main(int argc, char** argv) {
     std::remove(model.c_str());
 
     std::printf("\n%lld columns, %lld rows, file %.0f MB\n", columns, columns / 4, mb);
-    std::printf("  %-28s %10s %10s\n", "", "wall s", "peak MB");
-    std::printf("  %-28s %10.2f %10.0f\n", "glpsol --freemps --check", r.glpsol.seconds,
-                r.glpsol.peakMb);
-    std::printf("  %-28s %10.2f %10.0f\n", "orva --no-solve", r.orva.seconds, r.orva.peakMb);
-    std::printf("  %-28s %10.3f %10.3f\n", "orva / glpsol", r.orva.seconds / r.glpsol.seconds,
+    std::printf("  %-28s %10s %10s %10s\n", "", "wall s", "cpu s", "peak MB");
+    std::printf("  %-28s %10.2f %10.2f %10.0f\n", "glpsol --freemps --check", r.glpsol.seconds,
+                r.glpsol.cpuSeconds, r.glpsol.peakMb);
+    std::printf("  %-28s %10.2f %10.2f %10.0f\n", "orva --no-solve", r.orva.seconds,
+                r.orva.cpuSeconds, r.orva.peakMb);
+    std::printf("  %-28s %10.3f %10.3f %10.3f\n", "orva / glpsol",
+                r.orva.seconds / r.glpsol.seconds, r.orva.cpuSeconds / r.glpsol.cpuSeconds,
                 r.orva.peakMb / r.glpsol.peakMb);
     std::printf("  phases of orva (s, and as a part of glpsol's time):\n");
     for (const auto& [phase, seconds] : r.phases)
@@ -152,9 +159,12 @@ int main(int argc, char** argv) {
     if (!results.empty()) {
       const Result& before = results.back();
       const double growth = static_cast<double>(columns) / static_cast<double>(before.columns);
-      std::printf("  growth for %.1f times the model: glpsol %.2f, orva %.2f times the time\n",
+      std::printf("  growth for %.1f times the model: glpsol %.2f, orva %.2f times the wall "
+                  "time (cpu time: %.2f, %.2f)\n",
                   growth, r.glpsol.seconds / before.glpsol.seconds,
-                  r.orva.seconds / before.orva.seconds);
+                  r.orva.seconds / before.orva.seconds,
+                  r.glpsol.cpuSeconds / before.glpsol.cpuSeconds,
+                  r.orva.cpuSeconds / before.orva.cpuSeconds);
     }
     results.push_back(r);
   }
