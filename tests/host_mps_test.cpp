@@ -184,6 +184,7 @@ TEST(MpsReader, FaultyFilesAreRefusedWithLineAndReason) {
       {head + " x c1 1\nBOUNDS\n UP B x 1\n FR B x\n", "9: column 'x' has two upper bounds"},
       {head + " x c1 1\nRANGES\n R c1 1\n R c1 2\n", "9: row 'c1' has two ranges"},
       {"NAME\nOBJSENSE\n UP\n", "3: unknown objective sense 'UP' (MIN or MAX)"},
+      {"NAME\nROWS\n N " + std::string(70000, 'x'), "3: a line longer than 65536 characters"},
   };
   for (const Case& c : cases) {
     const std::string path = scratch.write("bad.mps", c.text);

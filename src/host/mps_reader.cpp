@@ -92,6 +92,8 @@ struct NameTable {
 enum class Section { None, Name, ObjSense, Rows, Columns, Rhs, Ranges, Bounds, End };
 
 constexpr int32_t kNoRow = -1;
+// No line of an MPS file comes near this; a file without line ends is refused early.
+constexpr std::size_t kLongestLine = std::size_t{1} << 16;
 
 struct MpsReader {
   const std::string& path;
@@ -133,13 +135,12 @@ struct MpsReader {
     if (!t.empty() && t.front() == '+') t.remove_prefix(1);
     const char* end = t.data() + t.size();
     auto [ptr, ec] = std::from_chars(t.data(), end, value);
-    if (t.empty() || ec != std::errc() || ptr != end || !std::isfinite(value) ||
-        t.front() == 'i' || t.front() == 'I' || t.front() == 'n' || t.front() == 'N')
+    if (t.empty() || ec != std::errc() || ptr != end || !std::isfinite(value))
       return fail("cannot read " + quoted(text) + " as a number");
     return true;
   }
 
-  bool line_(std::string_view text);
+  bool readLine(std::string_view text);
   bool sense(std::string_view word);
   bool header(std::string_view text);
   bool rowsLine(const std::vector<std::string_view>& f);
@@ -390,7 +391,7 @@ bool MpsReader::boundsLine(const std::vector<std::string_view>& f) {
   return true;
 }
 
-bool MpsReader::line_(std::string_view text) {
+bool MpsReader::readLine(std::string_view text) {
   while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.remove_suffix(1);
   if (text.empty() || text[0] == '*') return true;
   if (!isBlank(text[0])) return header(text);
@@ -614,16 +615,22 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
       const std::size_t eol = block.find('\n');
       if (eol == std::string_view::npos) {
         carry.append(block);
+        if (carry.size() > kLongestLine) {
+          reader.line += 1;
+          reader.fail("a line longer than " + std::to_string(kLongestLine) + " characters");
+          error = reader.error;
+          return false;
+        }
         break;
       }
       ++reader.line;
       bool ok;
       if (!carry.empty()) {
         carry.append(block.substr(0, eol));
-        ok = reader.line_(carry);
+        ok = reader.readLine(carry);
         carry.clear();
       } else {
-        ok = reader.line_(block.substr(0, eol));
+        ok = reader.readLine(block.substr(0, eol));
       }
       if (!ok) {
         error = reader.error;
@@ -640,7 +647,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   }
   if (reader.section != Section::End && !carry.empty()) {
     ++reader.line;
-    if (!reader.line_(carry)) {
+    if (!reader.readLine(carry)) {
       error = reader.error;
       return false;
     }
