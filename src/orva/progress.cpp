@@ -39,9 +39,9 @@ void paint(OrvaProgress& p) {
 
 }  // namespace
 
-OrvaProgress::OrvaProgress(std::string what, std::string phases)
+OrvaProgress::OrvaProgress(std::string what, std::string phases, int logFd)
     : label(std::move(what)), phaseFile(std::move(phases)) {
-  if (isatty(STDERR_FILENO) == 0) return;
+  if (isatty(STDERR_FILENO) == 0 || (logFd >= 0 && isatty(logFd) != 0)) return;
   painter = std::thread([this] {
     const auto start = std::chrono::steady_clock::now();
     while (!stop.load()) {

@@ -14,8 +14,11 @@
 // over a second, one line there says what orva is doing ("reading m.mps: 120 of 285 MB",
 // "solving", "running ANALYSIS") and is rewritten as the phase goes on; it is wiped when the
 // phase ends, so nothing of it stays on the terminal, in a redirected stream or the listing.
+// While modrake runs, the line is shown only when modrake's log does not go to that terminal
+// (`logFd` not a terminal), since the log's lines would run into it; on the terminal the log
+// itself says which procedure runs.
 struct OrvaProgress {
-  explicit OrvaProgress(std::string label, std::string phaseFile = "");
+  explicit OrvaProgress(std::string label, std::string phaseFile = "", int logFd = -1);
   ~OrvaProgress();
   OrvaProgress(const OrvaProgress&) = delete;
   OrvaProgress& operator=(const OrvaProgress&) = delete;

@@ -373,7 +373,8 @@ int orvaMain(const std::vector<std::string>& args) {
   int status = 0;
   long modrakePeakKb = 0;
   {
-    OrvaProgress progress("starting modrake", files.phaseFile);
+    OrvaProgress progress("starting modrake", files.phaseFile,
+                          listingToStdout ? STDERR_FILENO : STDOUT_FILENO);
     status = runModrake(modrake, controlFile, listingToStdout, error, modrakePeakKb);
   }
   if (status < 0) return fail(error);
