@@ -15,7 +15,8 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"host", {}},
     {"base", {"host"}},
     {"model", {"base", "host"}},
-    {"request", {"base", "host"}},
+    // Item selection reads the labels of items and the views of the selection tables.
+    {"request", {"model", "base", "host"}},
     // ANALYSIS's ladders of findings close BLOCKPIC and BLOCKLIST too.
     {"analysis", {"model", "request", "base", "host"}},
     {"pictures", {"analysis", "model", "request", "base", "host"}},

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "request/request_line.h"
 #include "run/request_loop.h"
 #include "run/run_state.h"
 
@@ -27,11 +28,11 @@ struct RunServices : ::testing::Test {
   }
   static int32_t look(const std::string& text, int32_t mode = 1) {
     int32_t index = -99;
-    lookupKeyword(text, index, mode);
+    lookupKeyword(runState, text, index, mode);
     return index;
   }
   static int32_t width(const std::string& text) {
-    setPageWidth(text);
+    setPageWidth(runState, text);
     return runState.pageWidthRequest;
   }
 };

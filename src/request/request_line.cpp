@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/procedures.h"
 #include "base/run_context.h"
 
 LineRead readRequestFileLine(std::FILE* file, std::string& line, int32_t length) {
@@ -82,4 +83,46 @@ void normalizeRequestLine(std::string& line, int32_t& isComment, int32_t length,
     return;
   }
   isComment = (line.empty() || line[0] == '?' || line[0] == ' ') ? 1 : 0;
+}
+
+std::string keywordText(std::string_view text) {
+  std::string k(text.substr(0, static_cast<size_t>(NAME_LEN)));
+  k.resize(NAME_LEN, ' ');
+  return k;
+}
+
+void lookupKeyword(RunContext& run, std::string_view text, int32_t& index, int32_t mode) {
+  const std::string k = keywordText(text);
+  if (const ProcedureRow* row = procedureOfLine(k)) {
+    index = static_cast<int32_t>(row->proc);
+    return;
+  }
+  if (k.starts_with("PW=") || k.starts_with("$PW=")) {
+    setPageWidth(run, k);
+    index = mode == 2 ? 0 : PROC_PAGE_WIDTH;
+    return;
+  }
+  index = k.starts_with("THEEND") ? PROC_END : PROC_NONE;
+}
+
+void setPageWidth(RunContext& run, std::string_view text) {
+  run.pageWidthRequest = 0;
+  const size_t eq = text.find('=');
+  if (eq == std::string_view::npos) return;
+  std::string digits(text.substr(eq + 1, 3));
+  digits.resize(3, ' ');
+  int32_t value = 0;
+  int32_t power = 1;
+  bool digitSeen = false;
+  for (size_t p = 3; p-- > 0;) {
+    const char c = digits[p];
+    if (c >= '0' && c <= '9') {
+      value += (c - '0') * power;
+      power *= 10;
+      digitSeen = true;
+    } else if (c == ' ' && digitSeen) {
+      power *= 10;
+    }
+  }
+  run.pageWidthRequest = value;
 }

@@ -68,7 +68,7 @@ void passOverSection(RunContext& run) {
     if (isComment > 0) continue;
     keyword.assign(line, 0, NAME_LEN);
     int32_t word = 0;
-    lookupKeyword(keyword, word, 2);
+    lookupKeyword(run, keyword, word, 2);
     if (word > 0) {
       run.currentKeyword = keyword;
       return;

@@ -15,12 +15,6 @@
 
 namespace {
 
-// The first NAME_LEN characters of a text, blank-padded.
-std::string keywordText(std::string_view text) {
-  std::string k(text.substr(0, static_cast<size_t>(NAME_LEN)));
-  k.resize(NAME_LEN, ' ');
-  return k;
-}
 
 // The request loop's own state.
 struct LoopState {
@@ -115,42 +109,6 @@ void fixPageWidth() {
 
 }  // namespace
 
-void lookupKeyword(std::string_view text, int32_t& index, int32_t mode) {
-  const std::string k = keywordText(text);
-  if (const ProcedureRow* row = procedureOfLine(k)) {
-    index = static_cast<int32_t>(row->proc);
-    return;
-  }
-  if (k.starts_with("PW=") || k.starts_with("$PW=")) {
-    setPageWidth(k);
-    index = mode == 2 ? 0 : PROC_PAGE_WIDTH;
-    return;
-  }
-  index = k.starts_with("THEEND") ? PROC_END : PROC_NONE;
-}
-
-void setPageWidth(std::string_view text) {
-  runState.pageWidthRequest = 0;
-  const size_t eq = text.find('=');
-  if (eq == std::string_view::npos) return;
-  std::string digits(text.substr(eq + 1, 3));
-  digits.resize(3, ' ');
-  int32_t value = 0;
-  int32_t power = 1;
-  bool digitSeen = false;
-  for (size_t p = 3; p-- > 0;) {
-    const char c = digits[p];
-    if (c >= '0' && c <= '9') {
-      value += (c - '0') * power;
-      power *= 10;
-      digitSeen = true;
-    } else if (c == ' ' && digitSeen) {
-      power *= 10;
-    }
-  }
-  runState.pageWidthRequest = value;
-}
-
 void setScaling(int32_t flag) {
   runState.useScale = 0;
   if (flag != 0 && ovmScaleOpt(runState.model) != 0) runState.useScale = 1;
@@ -209,9 +167,9 @@ void runRequestLoop() {
     }
     next = Next::ReadKeyword;
 
-    lookupKeyword(runState.currentKeyword, runState.procIndex, 1);
+    lookupKeyword(runState, runState.currentKeyword, runState.procIndex, 1);
     if (runState.procIndex == PROC_PAGE_WIDTH) {
-      setPageWidth(runState.currentKeyword);
+      setPageWidth(runState, runState.currentKeyword);
       std::error_code ec;
       const bool stillThere = std::filesystem::exists(runState.requestPath, ec);
       next = (stillThere && readKeywordLine()) ? Next::Dispatch : Next::UsedUp;

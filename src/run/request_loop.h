@@ -1,5 +1,6 @@
-// The request loop and its services: keyword lookup, page width, the scaling switch,
-// upper-casing, the echo of comments and the title lines of a procedure.
+// The request loop and its services: the scaling switch, upper-casing, the echo of comments
+// and the title lines of a procedure. Keyword lookup and the page width of a PW= line are
+// services of the request layer (request/request_line.h), which the section readers share.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +8,6 @@
 #include <string_view>
 
 #include "base/procedures.h"
-
-// procIndex values besides the nine procedures (1 DISPLAYCR ... 9 ADVISORY).
-inline constexpr int32_t PROC_PAGE_WIDTH = 99;
-inline constexpr int32_t PROC_END = -1;
-inline constexpr int32_t PROC_NONE = 0;
-
-// Looks `text` (its first NAME_LEN characters) up in the keyword table: 1..9 for a procedure,
-// plain or in its $ form, with anything behind the keyword; 99 for a PW= or $PW= line, whose
-// width is then set (mode 2 gives 0 for it, so that a section reader goes on); -1 for THEEND;
-// 0 for anything else.
-void lookupKeyword(std::string_view text, int32_t& index, int32_t mode);
-
-// Sets runState.pageWidthRequest from the three characters behind the "=" of a PW= line.
-void setPageWidth(std::string_view text);
 
 // useScale := 1 when `flag` is nonzero and the model has scale factors, else 0.
 void setScaling(int32_t flag);

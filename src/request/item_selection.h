@@ -1,0 +1,88 @@
+// Item selection: which equations and variables of the model the requests of a section meet.
+// matchPattern compares one pattern with one name; matchVarRequests and matchEquRequests test
+// one item against a list; resolveRequests runs the whole model through both lists once and
+// tells the user which requests met nothing.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "host/host.h"
+#include "request/selection_tables.h"
+#include "base/notation.h"
+
+// True when `pattern` (a stored, normalized pattern) meets `text` (a model name, compared by
+// its first NAME_LEN characters in capitals). "*" ends a pattern with a match, "?" passes one
+// position or the end of the name, a quoted pattern is compared exactly, a blank one meets all.
+// Allocates nothing.
+bool matchPattern(std::string_view pattern, std::string_view text);
+
+// An item under test: its symbol name and its first `dim` labels (NAME_LEN characters each).
+struct ItemName {
+  std::string_view symbol;
+  TextTable labels;  // width NAME_LEN, MAX_SYMBOL_DIM entries
+  int32_t dim = 0;
+};
+
+// The result of testing one item against a list.
+struct ItemMatch {
+  int32_t selected = 0;
+  int32_t directCode = 0;  // direct of the last request met that had one
+  int32_t crossCode = 0;   // cross of the last request met that had one
+};
+
+// Which requests to test and when to stop.
+inline constexpr int32_t SCOPE_ALL = 1;    // all, every request met is marked
+inline constexpr int32_t SCOPE_FIRST = 2;  // all, up to the first match
+inline constexpr int32_t SCOPE_ONE = 3;    // request `requestIndex` only
+
+// The symbol patterns of one list tested against one symbol name, kept while the items of a
+// walk keep that symbol: a symbol is matched once, not once per item.
+struct SymbolMemo {
+  std::vector<uint8_t> met;  // per request, 1 when its symbol pattern meets `symbol`
+  char symbol[NAME_LEN] = {};
+  int32_t length = -1;  // -1: nothing tested yet
+};
+
+// Tests an item against the variable list (scope, requestIndex as above); marks `found` of
+// every request met. An empty list selects every column (directCode 3) unless DISPLAYCR or
+// POSTOPT have equation requests. `memo` may be null.
+ItemMatch matchVarRequests(const ItemName& item, const RequestLists& lists, int32_t matchScope,
+                           int32_t requestIndex, int32_t procIndex, SymbolMemo* memo);
+
+// The same against the equation list. An empty list gives directCode 1 outside DISPLAYCR and
+// POSTOPT, with selected 0.
+ItemMatch matchEquRequests(const ItemName& item, const RequestLists& lists, int32_t matchScope,
+                           int32_t requestIndex, int32_t procIndex, SymbolMemo* memo);
+
+// What resolveRequests reads of the run; `run` keeps the memo of the last column named.
+struct SelectionContext {
+  RunContext* run = nullptr;
+  int32_t procIndex = 0;
+  int32_t rowCount = 0;
+  int32_t colCount = 0;
+  ovdHandle dictionary = nullptr;
+  Channel* statusChannel = nullptr;
+  Channel* logChannel = nullptr;
+};
+
+// Runs every column and row through the lists once: marks found, fills rowSelected (cleared
+// by the caller: 0, the directCode of the last request a selected row met, or -1 for all rows
+// when a procedure beyond POSTOPT has no equation request), then writes a line for each request
+// that met nothing.
+void resolveRequests(const SelectionContext& context, const RequestLists& lists,
+                     Vec1<int32_t> rowSelected);
+
+// Item names from the dictionary, into a reusable buffer of labels.
+struct ItemNameBuffer {
+  std::string symbol;
+  char labelText[LABELS_LEN] = {};
+  ItemName item;
+};
+const ItemName& columnName(RunContext& run, ovdHandle dictionary, int32_t col,
+                           ItemNameBuffer& buffer);
+const ItemName& rowName(ovdHandle dictionary, int32_t row, ItemNameBuffer& buffer);
+
+// The selection context for a procedure of this run.
+SelectionContext selectionContextOf(RunContext& run);
