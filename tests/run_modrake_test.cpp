@@ -134,7 +134,7 @@ const GoldenRun kRuns[] = {
     // The comment in front of THEEND is echoed when THEEND is read as a keyword line.
     {"tiny", "ANALYSIS\n$PW=999\n# kept\nTHEEND\nBLOCKPIC\n", "tiny-pw999-theend"},
     {"tiny",
-     "picture\nvariable\nx\nPW=90\ntheend\n# between\nMATCHIT\nlistvariable\n$postopt\n"
+     "displaycr\nvariable\nx\nPW=90\ntheend\n# between\nNONOPT\nlistvariable\n$postopt\n"
      "equation\ndemand\n",
      "tiny-sections"},
     {"tiny", "displaycr\nNONOPT\nADVISORYX\n", "tiny-post-solution"},

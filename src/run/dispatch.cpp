@@ -4,6 +4,7 @@
 
 #include "analysis/analysis.h"
 #include "listings/blocklist.h"
+#include "listings/matchit.h"
 #include "model/work_array.h"
 #include "pictures/blockpic.h"
 #include "request/request_line.h"
@@ -38,7 +39,7 @@ constexpr std::array<ProcedureRunner, PROCEDURE_COUNT> kRunners = {{
     {Proc::BlockPic, &runOnRegions<Proc::BlockPic, runBlockPicture>},
     {Proc::Analysis, &runOnRegions<Proc::Analysis, runAnalysis>},
     {Proc::BlockList, &runOnRegions<Proc::BlockList, runBlockList>},
-    {Proc::MatchIt, nullptr},
+    {Proc::MatchIt, &runOnRegions<Proc::MatchIt, runMatchIt>},
     {Proc::NonOpt, nullptr},
     {Proc::Advisory, nullptr},
 }};
