@@ -7,6 +7,7 @@
 #include "listings/matchit.h"
 #include "model/work_array.h"
 #include "pictures/blockpic.h"
+#include "pictures/picture.h"
 #include "request/request_line.h"
 #include "run/request_loop.h"
 
@@ -35,7 +36,7 @@ struct ProcedureRunner {
 constexpr std::array<ProcedureRunner, PROCEDURE_COUNT> kRunners = {{
     {Proc::DisplayCR, nullptr},
     {Proc::PostOpt, nullptr},
-    {Proc::Picture, nullptr},
+    {Proc::Picture, &runOnRegions<Proc::Picture, runPicture>},
     {Proc::BlockPic, &runOnRegions<Proc::BlockPic, runBlockPicture>},
     {Proc::Analysis, &runOnRegions<Proc::Analysis, runAnalysis>},
     {Proc::BlockList, &runOnRegions<Proc::BlockList, runBlockList>},
