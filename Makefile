@@ -29,7 +29,7 @@ programs: configure
 # The logs are left out; the listings stay in $(DEMO). README.md, "Using it", reads the second.
 demo: programs
 	@mkdir -p $(DEMO)
-	@echo "== orva examples/transport/transport.mod: ANALYSIS, BLOCKPIC, BLOCKLIST"
+	@echo "== orva examples/transport/transport.mod: ANALYSIS, BLOCKPIC, BLOCKLIST, PICTURE, MATCHIT"
 	@$(BUILD)/orva examples/transport/transport.mod --listing $(DEMO)/transport.lst >/dev/null
 	@echo "== orva examples/analysis/shipping.mod: ANALYSIS"
 	@$(BUILD)/orva examples/analysis/shipping.mod --listing $(DEMO)/shipping.lst >/dev/null
