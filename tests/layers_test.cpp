@@ -13,7 +13,7 @@ namespace {
 // The folders each folder may include, itself besides.
 const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"host", {}},
-    {"base", {"host"}},
+    {"base", {}},
     {"model", {"base", "host"}},
     // Item selection reads the labels of items and the views of the selection tables.
     {"request", {"model", "base", "host"}},

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/host.h"
 #include "request/request_line.h"
 #include "run/request_loop.h"
 #include "run/run_state.h"

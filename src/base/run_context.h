@@ -10,8 +10,13 @@
 #include <cstdio>
 #include <string>
 
-#include "host/host.h"
 #include "base/notation.h"
+
+// The host's objects, opaque here: the run holds their handles and never looks inside.
+struct OvpObject;
+struct OveObject;
+struct OvmObject;
+struct OvdObject;
 
 inline constexpr int32_t MAX_SYMBOL_DIM = 10;
 inline constexpr int32_t PICTURE_WIDTH = 120;
@@ -75,10 +80,10 @@ struct RunContext {
   std::string auditLine;
 
   // Host handles.
-  ovpHandle auditObject = nullptr;
-  oveHandle environment = nullptr;
-  ovmHandle model = nullptr;
-  ovdHandle dictionary = nullptr;
+  OvpObject* auditObject = nullptr;
+  OveObject* environment = nullptr;
+  OvmObject* model = nullptr;
+  OvdObject* dictionary = nullptr;
 
   // Channels: status file and log (standard output) for reports; the three files read or
   // written by the run.
