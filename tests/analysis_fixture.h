@@ -166,7 +166,7 @@ struct RunFixture {
     rs.analysisProblemCount = 0;
     rs.analysisProblemTally.fill(0);
     rs.lastColSymbol = 0;
-    rs.lastItemClass = 0;
+    rs.lastItemClass = ItemClass::None;
     status.clear();
     log.clear();
     rs.statusChannel = Channel{nullptr, &status};

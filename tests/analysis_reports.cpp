@@ -279,11 +279,11 @@ TEST(AnalysisScratchFile, SectionWordsFollowTheItemClassAndTheFirstProblemStarts
   RunFixture fx;
   fx.start(ModelBuilder{}.build());
   std::fputs("   OLD(1)\n   OLD(2)\n   OLD(3)\n   OLD(4)\n", runState.analysisChannel);
-  recordProblem(runState, ITEM_VARIABLE, "X(a)   ", 21, 0);
-  recordProblem(runState, ITEM_EQUATION, "E(b)", 4, 0);
-  recordProblem(runState, ITEM_EQUATION, "E(c)", 5, 0);
-  recordProblem(runState, ITEM_VARIABLE, "Z", 20, 0);
-  recordProblem(runState, ITEM_VARIABLE, "BLOCK", 20, 1);  // block findings are not recorded
+  recordProblem(runState, ItemClass::Variable, "X(a)   ", 21, 0);
+  recordProblem(runState, ItemClass::Equation, "E(b)", 4, 0);
+  recordProblem(runState, ItemClass::Equation, "E(c)", 5, 0);
+  recordProblem(runState, ItemClass::Variable, "Z", 20, 0);
+  recordProblem(runState, ItemClass::Variable, "BLOCK", 20, 1);  // block findings are not recorded
   EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X(a)", " equation", "   E(b)", "   E(c)",
                                  " variable", "   Z"}));
   EXPECT_EQ(runState.analysisProblemCount, 4);
@@ -292,7 +292,7 @@ TEST(AnalysisScratchFile, SectionWordsFollowTheItemClassAndTheFirstProblemStarts
   // A later ANALYSIS of the same run adds to the file without starting it afresh.
   runState.analysisProblemsPending = 0;
   runState.analysisProblemTally.fill(0);
-  recordProblem(runState, ITEM_VARIABLE, "W", 26, 0);
+  recordProblem(runState, ItemClass::Variable, "W", 26, 0);
   EXPECT_EQ(fx.scratch().back(), "   W");
   EXPECT_EQ(fx.scratch().size(), 8u);
   EXPECT_EQ(runState.analysisProblemsPending, 0);

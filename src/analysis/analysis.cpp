@@ -222,7 +222,7 @@ constexpr const char* kVariableCaution =
 // One finding: explanation at a change of kind, then the item. `caution` is the nonlinear
 // note of the report; `style` is the first-item style that a new kind opens with.
 struct FindingRun {
-  int32_t itemClass;
+  ItemClass itemClass;
   const char* caution;
   int32_t openStyle;
   int32_t lastKind = 0;
@@ -404,7 +404,7 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
   }
 }
 
-void recordProblem(RunContext& rs, int32_t itemClass, std::string_view label, int32_t kind,
+void recordProblem(RunContext& rs, ItemClass itemClass, std::string_view label, int32_t kind,
                    int32_t mode) {
   if (mode == MODE_BLOCKS) return;
   if (kind < 0 || kind >= PROBLEM_KINDS) return;
@@ -425,7 +425,7 @@ void recordProblem(RunContext& rs, int32_t itemClass, std::string_view label, in
   Channel channel{file, nullptr};
   if (itemClass != rs.lastItemClass) {
     rs.lastItemClass = itemClass;
-    writeFree(channel, {itemClass == 1 ? "variable" : "equation"});
+    writeFree(channel, {itemClass == ItemClass::Variable ? "variable" : "equation"});
   }
   size_t n = label.size();
   while (n > 0 && label[n - 1] == ' ') --n;
@@ -460,7 +460,7 @@ void reportVariableFindings(RunContext& rs, int32_t colTotal, TextTable blockNam
   writeLine(rs.statusChannel, "(' ')");
   writeLine(rs.statusChannel,
             "(3X,'----### Analysis of Variables ( nonlinear',1X,'terms at current point)',/,1X)");
-  FindingRun run{1, kVariableCaution, 5};
+  FindingRun run{ItemClass::Variable, kVariableCaution, 5};
   rs.lastColSymbol = 0;
   bool forcesZero = false, unbounded = false, relaxes = false;
   std::string label;
@@ -542,7 +542,7 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
   writeLine(rs.statusChannel,
             "(1X,/,1X,'----### Analysis of Equations ( nonlinear terms',1X,"
             "'at current point)',/,1X,/,1X)");
-  FindingRun run{2, kEquationCaution, 1};
+  FindingRun run{ItemClass::Equation, kEquationCaution, 1};
   run.style = 1;
   bool forcesZero = false, infeasible = false, redundant = false;
   std::string label;
@@ -580,7 +580,7 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
     const bool belowMin = single && minState > 0.0 && b < minActivity;
     const bool aboveMax = single && maxState > 0.0 && b > maxActivity;
 
-    if (type == kRowL) {
+    if (type == ROW_L) {
       if (b >= 0.0 && notHigh && onlyNeg) {
         kinds[found++] = KIND_LE_REDUNDANT;
       } else if (b < 0.0 && notLow && onlyPos) {
@@ -592,7 +592,7 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
       } else if (b == 0.0 && onlyPos) {
         kinds[found++] = KIND_LE_FORCES_ZERO;
       }
-    } else if (type == kRowG) {
+    } else if (type == ROW_G) {
       if (b == 0.0 && onlyNeg) {
         kinds[found++] = KIND_GE_FORCES_ZERO;
       } else if (b <= 0.0 && notLow && onlyPos) {
@@ -604,7 +604,7 @@ void reportEquationFindings(RunContext& rs, int32_t rowTotal, TextTable blockNam
       } else if (aboveMax) {
         kinds[found++] = KIND_GE_ABOVE_MAX_ACTIVITY;
       }
-    } else if (type == kRowE) {
+    } else if (type == ROW_E) {
       if (b > 0.0 && notHigh && onlyNeg) {
         kinds[found++] = KIND_EQ_INFEASIBLE_ABOVE;
       } else if (b < 0.0 && notLow && onlyPos) {

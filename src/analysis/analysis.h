@@ -87,10 +87,6 @@ FindingGroup findingGroup(int32_t kind);
 // Clears rows of a bound table to "no bounds seen yet", as classifyBounds starts from.
 void resetBoundTable(Table2<int32_t> table);
 
-// Item classes of recordProblem.
-inline constexpr int32_t ITEM_VARIABLE = 1;
-inline constexpr int32_t ITEM_EQUATION = 2;
-
 // ANALYSIS, after the request loop has written the titles and laid out its phase: the tables,
 // then the variable and equation findings on every column and row.
 void runAnalysis(const AnalysisRegions& regions, RunContext& run);
@@ -107,7 +103,7 @@ void classifyBounds(double upper, double lower, double plusInf, double minusInf,
 // Host row types beyond these count as =E= rows: they may hold a variable either way, and
 // keep it out of every finding.
 inline int32_t rowTypeSlot(int32_t rowType) {
-  return rowType >= 0 && rowType <= 3 ? rowType + 1 : 1;
+  return isRowType(rowType) ? rowType + 1 : 1;
 }
 
 // Walks the entries of column j through the host, in the host's order, and hands each to
@@ -157,7 +153,7 @@ void reportBlockFindings(RunContext& run, int32_t nC, int32_t nR, TextTable colB
 // item to the analysis scratch file in the request language, with a section word ("variable"
 // or "equation") where the item class changes. The first problem of the run starts the file
 // afresh and sets analysisProblemsPending. Mode 1 (block findings) records nothing.
-void recordProblem(RunContext& run, int32_t itemClass, std::string_view label, int32_t kind, int32_t mode);
+void recordProblem(RunContext& run, ItemClass itemClass, std::string_view label, int32_t kind, int32_t mode);
 
 // Prints a label folded to the line width (130 at most). First line by style:
 // 1 "(/,' ##  ',A)", 2 "(/,5X,A)", 3 and 5 "(5X,A)", 4 "('     ',A)"; further lines "(5X,A)".

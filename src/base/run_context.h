@@ -34,6 +34,12 @@ inline int32_t heldPageWidth(int32_t width) {
   return width < MIN_PAGE_WIDTH ? MIN_PAGE_WIDTH : width > MAX_PAGE_WIDTH ? MAX_PAGE_WIDTH : width;
 }
 
+// Row types as MODRAKE reads them from the host (ovmGetEquTypeOne), and the item classes of a
+// finding.
+enum RowType : int32_t { ROW_E = 0, ROW_G = 1, ROW_L = 2, ROW_N = 3 };
+inline bool isRowType(int32_t type) { return type >= ROW_E && type <= ROW_N; }
+enum class ItemClass : int32_t { None, Variable, Equation };
+
 inline constexpr double PLUS_INF = 3e+300;
 inline constexpr double MINUS_INF = 4e+300;
 
@@ -95,11 +101,11 @@ struct RunContext {
 
   // Symbol number of the column last named by varItemLabel or varItemLabelParts.
   int32_t lastColSymbol = 0;
-  // Item class (1 variable, 2 equation) of the last item written to the analysis scratch file.
-  int32_t lastItemClass = 0;
+  // Item class of the last item written to the analysis scratch file.
+  ItemClass lastItemClass = ItemClass::None;
 };
 
-// The 3-character codes that reports print: equation types by ovmGetEquTypeOne + 1, and
+// The 3-character codes that reports print: equation types by RowType, and
 // variable classes (1 to 3 sign class of a continuous variable, else ovmGetVarTypeOne + 3).
 inline constexpr std::array<const char*, 4> kEquTypeCodes = {"=E=", "=G=", "=L=", "=N="};
 inline constexpr std::array<const char*, 10> kVarTypeCodes = {">=0", "<=0", "<0>", "BIN", "INT",

@@ -15,7 +15,7 @@ const char* varClassCode(int32_t typeCode) {
 }
 
 const char* equTypeCode(int32_t rowType) {
-  return rowType >= 0 && rowType <= 3 ? kEquTypeCodes[static_cast<size_t>(rowType)] : "   ";
+  return isRowType(rowType) ? kEquTypeCodes[static_cast<size_t>(rowType)] : "   ";
 }
 
 int32_t plainRowType(int32_t rowType) {

@@ -30,7 +30,7 @@ const char* varTypeCode(int32_t typeCode) {
 
 // The middle letter of the row type's code: E, G, L, N.
 char rowTypeLetter(int32_t rowType) {
-  return rowType >= 0 && rowType <= 3 ? kEquTypeCodes[static_cast<size_t>(rowType)][1] : ' ';
+  return isRowType(rowType) ? kEquTypeCodes[static_cast<size_t>(rowType)][1] : ' ';
 }
 
 // Writes a table line: the template's leading values, then cells 1..lastCell of one plane,
