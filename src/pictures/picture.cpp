@@ -331,7 +331,7 @@ void runPicture(const PictureRegions& r, RunContext& run) {
     r.rowRhsMark[i] = coefficientCode(ovmGetRhsOne(run.model, i) * r.rowScale[i]);
     static constexpr std::array<char, 4> kRelations = {'=', '>', '<', ' '};
     const int32_t type = ovmGetEquTypeOne(run.model, i);
-    r.rowTypeMark[i] = type >= 0 && type <= 3 ? kRelations[static_cast<size_t>(type)] : ' ';
+    r.rowTypeMark[i] = isRowType(type) ? kRelations[static_cast<size_t>(type)] : ' ';
     const ItemName& item = rowName(run.dictionary, i, names);
     rowMatch[static_cast<size_t>(i)] =
         matchEquRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &memo);
