@@ -7,8 +7,10 @@ DEMO ?= $(BUILD)/demo
 BENCH_BUILD ?= build-release
 BENCH_DIR ?= $(BENCH_BUILD)/bench-run
 BENCH_SIZES ?= 250000 500000 1000000
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 
-.PHONY: all deps configure build programs demo test test-plain test-san bench clean
+.PHONY: all deps configure build programs demo test test-plain test-san test-fuzz fuzz fuzz-build bench clean
 
 all: build
 
@@ -36,7 +38,7 @@ demo: programs
 	@cat $(DEMO)/shipping.lst
 	@echo "== README.md, \"Using it\", reads this listing."
 
-test: test-plain test-san
+test: test-plain test-san test-fuzz
 
 test-plain: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
@@ -54,5 +56,17 @@ bench:
 	@mkdir -p $(BENCH_DIR)
 	@$(BENCH_BUILD)/modrake-bench $(BENCH_DIR) $(BENCH_BUILD)/orva $(BENCH_SIZES)
 
+# The libFuzzer targets, built with clang under the sanitizers.
+fuzz-build: deps
+	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMODRAKE_FUZZ=ON >/dev/null
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS)
+
+# Every target for FUZZ_SECONDS; `make test` runs each for a few seconds.
+fuzz: fuzz-build
+	@scripts/fuzz.sh $(FUZZ_SECONDS) $(FUZZ_BUILD)
+
+test-fuzz: fuzz-build
+	@scripts/fuzz.sh 4 $(FUZZ_BUILD) --brief
+
 clean:
-	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

@@ -25,6 +25,8 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"run", {"analysis", "pictures", "listings", "postsolution", "model", "request", "base",
              "host"}},
     {"orva", {"request", "base", "host"}},
+    // The fuzz targets hand input to the readers of every layer.
+    {"fuzz", {"orva", "run", "request", "base", "host"}},
 };
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/instance_file.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 
@@ -23,50 +24,11 @@ const std::string kSource = SOURCE_DIR;
 const std::string kData = kSource + "/tests/data/orva/";
 const std::string kTransport = kSource + "/examples/transport/transport.mod";
 
-struct RunResult {
-  int status = -1;
-  std::string out, err;
-};
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
 std::vector<std::string> readLines(const fs::path& path) {
   std::ifstream in(path);
   std::vector<std::string> lines;
   for (std::string l; std::getline(in, l);) lines.push_back(l);
   return lines;
-}
-
-std::string quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-// A fresh folder per test, the current folder of the runs.
-fs::path freshDir(const std::string& name) {
-  fs::path dir = fs::path(testing::TempDir()) /
-                 ("orva_cmd_" + name + "_" + std::to_string(getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  return dir;
-}
-
-RunResult runOrva(const fs::path& dir, const std::vector<std::string>& args) {
-  std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN);
-  for (const std::string& a : args) cmd += " " + quote(a);
-  cmd += " >" + quote((dir / "run.out").string()) + " 2>" + quote((dir / "run.err").string());
-  RunResult r;
-  int raw = std::system(cmd.c_str());
-  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  r.out = readFile(dir / "run.out");
-  r.err = readFile(dir / "run.err");
-  return r;
 }
 
 TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {

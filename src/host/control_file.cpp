@@ -5,6 +5,8 @@
 #include <fstream>
 #include <unordered_map>
 
+#include "host/readers.h"
+
 namespace {
 
 std::string trim(const std::string& s) {
@@ -65,6 +67,7 @@ bool readHostControlFile(const std::string& path, HostOptions& options, std::str
     error = path + ": cannot open the control file";
     return false;
   }
+  if (!hostRegularFile(path, "control file", error)) return false;
   std::unordered_map<std::string, int> lineOf;  // entry (lower case) -> line where given
   std::string line;
   int lineNo = 0;

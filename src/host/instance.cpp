@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "host/names.h"
 
@@ -147,4 +148,23 @@ std::string hostColName(const HostInstance& inst, int32_t col0) {
   const int32_t start = inst.colUelStart[col0];
   return composeName(inst, inst.colSymbol[col0], inst.colUels.data() + start,
                      inst.colUelStart[col0 + 1] - start);
+}
+
+bool hostInfiniteBounds(HostInstance& inst, std::string& error) {
+  for (int32_t j = 0; j < inst.colCount; ++j) {
+    double& lower = inst.colLower[j];
+    double& upper = inst.colUpper[j];
+    if (lower <= -kHostInfiniteBound) lower = -kHostInf;
+    if (upper >= kHostInfiniteBound) upper = kHostInf;
+    const bool lowerBad = lower >= kHostInfiniteBound, upperBad = upper <= -kHostInfiniteBound;
+    if (lowerBad || upperBad) {
+      char value[32];
+      std::snprintf(value, sizeof value, "%g", lowerBad ? lower : upper);
+      error = "column " + hostColName(inst, j) + " has " + (lowerBad ? "a lower" : "an upper") +
+              " bound of " + value + ", which no value can meet (bounds of 1e+300 and beyond "
+              "are infinite)";
+      return false;
+    }
+  }
+  return true;
 }

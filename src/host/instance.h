@@ -99,6 +99,16 @@ struct HostInstance {
   int32_t solveStat = 1;
 };
 
+// Bounds of this size or more are infinite: the host's own infinity values (3e+300, 4e+300)
+// must never stand for a finite bound.
+inline constexpr double kHostInfiniteBound = 1e300;
+
+// Applies the rule of kHostInfiniteBound to the bounds of every column: a lower bound at or
+// below -1e300 becomes minus infinity, an upper bound at or above 1e300 plus infinity. A lower
+// bound at or above 1e300, or an upper bound at or below -1e300, can be met by no value: false,
+// with the column's name and the bound in `error`.
+bool hostInfiniteBounds(HostInstance& inst, std::string& error);
+
 // Number of nonzeros of an instance.
 inline int32_t hostNzCount(const HostInstance& inst) {
   return inst.colStart.empty() ? 0 : inst.colStart.back();

@@ -135,7 +135,7 @@ struct JsonReader {
 
   bool fail(const Path& where, const std::string& what) {
     LineScanner scanner{text};
-    error = path + ":" + std::to_string(scanner.find(where)) + ": " + what;
+    error = path + ":" + std::to_string(scanner.find(where)) + ": " + hostShownName(what);
     return false;
   }
 };
@@ -191,16 +191,6 @@ bool colTypeWord(std::string s, int32_t& type) {
       return true;
     }
   return false;
-}
-
-// The key of an item for lookups and duplicates: symbol and label texts, quotes left out.
-std::string itemKey(const HostName& n) {
-  std::string key = n.symbol;
-  for (const HostLabel& l : n.labels) {
-    key += '\x1f';
-    key += l.text;
-  }
-  return key;
 }
 
 std::string baseName(const std::string& path) {
@@ -271,6 +261,8 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     if (!doc["name"].is_string() || doc["name"].get<std::string>().empty())
       return r.fail({member("name")}, "\"name\" must be a non-empty string");
     inst.inputName = doc["name"].get<std::string>();
+    if (const std::string fault = hostNameFault(inst.inputName); !fault.empty())
+      return r.fail({member("name")}, fault);
   }
   if (doc.contains("sense")) {
     const json& s = doc["sense"];
@@ -308,9 +300,10 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     const json& v = doc[key];
     if (!v.is_number_integer())
       return r.fail({member(key)}, std::string("\"") + key + "\" must be a whole number");
-    if (v.get<int64_t>() < 0) return r.fail({member(key)}, std::string("\"") + key + "\" is negative");
+    if (!v.is_number_unsigned() && v.get<int64_t>() < 0)
+      return r.fail({member(key)}, std::string("\"") + key + "\" is negative");
     const std::size_t have = key[0] == 'r' ? rows.size() : cols.size();
-    if (static_cast<uint64_t>(v.get<int64_t>()) != have)
+    if (v.get<uint64_t>() != have)
       return r.fail({member(key)}, std::string("\"") + key + "\" is " + v.dump() + " but " +
                                        (key[0] == 'r' ? "\"rows\"" : "\"cols\"") + " has " +
                                        std::to_string(have));
@@ -323,7 +316,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
   const auto n = cols.size();
 
   // Name, or symbol and labels, of a row or column.
-  auto readName = [&](const json& item, const Path& at, HostName& name) {
+  auto readNameParts = [&](const json& item, const Path& at, HostName& name) {
     const bool hasName = item.contains("name"), hasSymbol = item.contains("symbol");
     if (hasName && hasSymbol) return r.fail(at, "give \"name\" or \"symbol\", not both");
     if (hasName) {
@@ -367,6 +360,11 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     }
     name = hostMakeName(item["symbol"].get<std::string>(), std::move(labels));
     return true;
+  };
+  auto readName = [&](const json& item, const Path& at, HostName& name) {
+    if (!readNameParts(item, at, name)) return false;
+    const std::string fault = hostNameFault(name.full);
+    return fault.empty() || r.fail(at, fault);
   };
   auto realField = [&](const json& item, const Path& at, const char* key, double& out) {
     if (!item.contains(key)) return true;
@@ -421,7 +419,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     const Path at{member("rows"), element(i)};
     if (!row.is_object()) return r.fail(at, "row " + std::to_string(i + 1) + " must be an object");
     if (!knownKeys(row, at, rowKeys) || !readName(row, at, rowNames[i])) return false;
-    auto [it, added] = rowOf.try_emplace(itemKey(rowNames[i]), static_cast<int32_t>(i));
+    auto [it, added] = rowOf.try_emplace(hostItemKey(rowNames[i]), static_cast<int32_t>(i));
     if (!added)
       return r.fail(at, "row \"" + rowNames[i].full + "\" is named twice (also row " +
                             std::to_string(it->second + 1) + ")");
@@ -456,7 +454,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     if (!col.is_object())
       return r.fail(at, "column " + std::to_string(j + 1) + " must be an object");
     if (!knownKeys(col, at, colKeys) || !readName(col, at, colNames[j])) return false;
-    auto [it, added] = colOf.try_emplace(itemKey(colNames[j]), static_cast<int32_t>(j));
+    auto [it, added] = colOf.try_emplace(hostItemKey(colNames[j]), static_cast<int32_t>(j));
     if (!added)
       return r.fail(at, "column \"" + colNames[j].full + "\" is named twice (also column " +
                             std::to_string(it->second + 1) + ")");
@@ -499,7 +497,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
                                   std::to_string(m) + ")");
           row = static_cast<int32_t>(v - 1);
         } else if (e[0].is_string()) {
-          auto found = rowOf.find(itemKey(hostParseName(e[0].get<std::string>())));
+          auto found = rowOf.find(hostItemKey(hostParseName(e[0].get<std::string>())));
           if (found == rowOf.end())
             return r.fail(kp, "entry row " + e[0].dump() + " does not exist");
           row = found->second;
@@ -541,7 +539,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
       return true;
     }
     if (v.is_string()) {
-      auto it = table.find(itemKey(hostParseName(v.get<std::string>())));
+      auto it = table.find(hostItemKey(hostParseName(v.get<std::string>())));
       if (it == table.end())
         return r.fail({member(key)}, std::string("\"") + key + "\" " + v.dump() + " names no " +
                                          (key == std::string("objVar") ? "column" : "row"));

@@ -128,7 +128,7 @@ struct MpsReader {
     error = path + ":" + std::to_string(line) + ": " + what;
     return false;
   }
-  static std::string quoted(std::string_view s) { return "'" + std::string(s) + "'"; }
+  static std::string quoted(std::string_view s) { return "'" + hostShownName(s) + "'"; }
 
   bool number(std::string_view text, double& value) {
     std::string_view t = text;
@@ -245,6 +245,7 @@ bool MpsReader::rowsLine(const std::vector<std::string_view>& f) {
   if (f.size() < 2 || f[0].size() != 1 || std::strchr("NLGE", f[0][0]) == nullptr)
     return fail("a row needs its type (N, L, G or E) and its name");
   if (f.size() > 2) return fail("text after the row name " + quoted(f[1]));
+  if (const std::string fault = hostNameFault(f[1]); !fault.empty()) return fail(fault);
   if (rows.find(f[1]) >= 0) return fail("row " + quoted(f[1]) + " given twice");
   const int32_t k = rows.add(f[1]);
   rowKind.push_back(f[0][0]);
@@ -269,6 +270,7 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
   if (col.empty()) return fail("a column line without its column name");
   int32_t c = cols.size() - 1;
   if (c < 0 || cols.name(c) != col) {
+    if (const std::string fault = hostNameFault(col); !fault.empty()) return fail(fault);
     if (cols.find(col) >= 0) return fail("column " + quoted(col) + " given in two places");
     c = cols.add(col);
     colMarked.push_back(inInteger ? 1 : 0);

@@ -1,6 +1,8 @@
 #include "host/names.h"
 
+#include <cstdio>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -58,7 +60,44 @@ bool splitLabels(std::string_view inner, std::vector<HostLabel>& labels) {
   }
 }
 
+bool isControl(char c) {
+  const auto u = static_cast<unsigned char>(c);
+  return u < 32 || u == 127;
+}
+
 }  // namespace
+
+std::string hostNameFault(std::string_view name) {
+  for (const char c : name) {
+    if (!isControl(c)) continue;
+    char code[8];
+    std::snprintf(code, sizeof code, "%d", static_cast<unsigned char>(c));
+    return "the name \"" + hostShownName(name) + "\" holds a control character (code " + code +
+           ")";
+  }
+  return {};
+}
+
+std::string hostShownName(std::string_view name) {
+  std::string out;
+  out.reserve(name.size());
+  for (const char c : name) {
+    if (!isControl(c)) {
+      out += c;
+    } else if (c == '\n') {
+      out += "\\n";
+    } else if (c == '\t') {
+      out += "\\t";
+    } else if (c == '\r') {
+      out += "\\r";
+    } else {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned char>(c));
+      out += hex;
+    }
+  }
+  return out;
+}
 
 namespace {
 
@@ -205,6 +244,36 @@ HostName hostMakeName(std::string symbol, std::vector<HostLabel> labels) {
   out.symbol = std::move(symbol);
   out.labels = std::move(labels);
   return out;
+}
+
+std::string hostItemKey(const HostName& n) {
+  std::string key = n.symbol;
+  for (const HostLabel& l : n.labels) {
+    key += '\x1f';
+    key.append(l.text, 0, kHostLabelLen);  // as the dictionary keeps it
+  }
+  return key;
+}
+
+void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made) {
+  std::unordered_set<std::string> fromFile, used;
+  for (std::size_t k = 0; k < names.size(); ++k)
+    if (!made[k]) fromFile.insert(hostItemKey(names[k]));
+  for (std::size_t k = 0; k < names.size(); ++k) {
+    HostName& name = names[k];
+    std::string key = hostItemKey(name);
+    if (used.count(key) != 0 || (made[k] && fromFile.count(key) != 0)) {
+      std::string symbol = name.symbol;
+      HostName renamed;
+      do {
+        symbol += '_';
+        renamed = hostMakeName(symbol, name.labels);
+        key = hostItemKey(renamed);
+      } while (used.count(key) != 0 || fromFile.count(key) != 0);
+      name = std::move(renamed);
+    }
+    used.insert(std::move(key));
+  }
 }
 
 HostDictionaryBuilder::HostDictionaryBuilder(HostInstance& target) : inst(target) {

@@ -25,6 +25,15 @@ struct HostName {
   std::string full;   // the name as written; the scalar symbol when the labels do not fit
 };
 
+// The one check of a name that every reader makes: "" when the name may be taken, else why not.
+// A control character (a line break, a tab, any byte below 32, or 127) is refused: written raw
+// it would split the lines of the status file and could forge the host's records.
+std::string hostNameFault(std::string_view name);
+
+// A name as a message may show it: control characters written as \n, \t, \r or \xNN.
+std::string hostShownName(std::string_view name);
+
+
 // How a name without brackets becomes a symbol and a label.
 enum class SymbolRuleKind : int32_t {
   Auto,            // chosen from the names of the model (hostResolveSymbolRule)
@@ -79,6 +88,19 @@ struct HostDictionaryBuilder {
   std::unordered_map<std::string, int32_t> symbolOf[2];
   std::unordered_map<std::string, int32_t> scalarOf[2];
 };
+
+// The key that tells items of one kind apart: symbol and label texts as the dictionary keeps
+// them (cut to 64 characters), quotes left out.
+std::string hostItemKey(const HostName& name);
+
+// Makes the names of one kind (rows, or columns) distinct, as the dictionary tells items apart:
+// by hostItemKey (`x17`, `x(17)` and `x['17']` are one item, and so are two names whose labels
+// differ only beyond the 64th character). A
+// name that is taken gets "_" added to its symbol until it is free. Names from the file (where
+// `made` is 0) come first; a name the host made (`made` 1: halves of a ranged row, R<i>, C<j>,
+// objvar) gives way to every name from the file, and a later name from the file to an earlier
+// one.
+void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made);
 
 // Fills the dictionary of `inst` (symbols, labels, rowSymbol/rowUels, colSymbol/colUels) from
 // one name per row and per column. Labels longer than 64 characters are cut to 64; labels that

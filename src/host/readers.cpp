@@ -1,6 +1,9 @@
 #include <glpk.h>
+#include <sys/stat.h>
 
 #include <cctype>
+#include <cerrno>
+#include <cstring>
 #include <nlohmann/json_fwd.hpp>
 
 #include "host/readers_internal.h"
@@ -59,14 +62,27 @@ std::string modelReaderVersions() {
          std::to_string(NLOHMANN_JSON_VERSION_PATCH) + " (native instances, .json)\n";
 }
 
-bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
-               const HostProgress& progress) {
+bool hostRegularFile(const std::string& path, const char* what, std::string& error) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) {
+    error = path + ": cannot read the " + what + ": " + std::strerror(errno);
+    return false;
+  }
+  if (!S_ISREG(info.st_mode)) {
+    error = path + ": the " + what + " is " +
+            (S_ISDIR(info.st_mode) ? "a folder" : "not a plain file (a device or a pipe)");
+    return false;
+  }
+  return true;
+}
+
+namespace {
+
+bool readByFormat(const ModelSource& source, HostInstance& instance, std::string& error,
+                  const HostProgress& progress) {
   switch (source.format) {
     case ModelFormat::Json:
       return readJsonModel(source.path, instance, error);
-    case ModelFormat::Nl:
-      error = source.path + ": AMPL nonlinear (.nl) models cannot be read by this host";
-      return false;
     case ModelFormat::FixedMps:
       return readMpsModel(source.path, true, source.symbols, instance, error, progress);
     case ModelFormat::Mps: {
@@ -79,4 +95,23 @@ bool readModel(const ModelSource& source, HostInstance& instance, std::string& e
     default:
       return readGlpkModel(source, instance, error);
   }
+}
+
+}  // namespace
+
+bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
+               const HostProgress& progress) {
+  if (source.format == ModelFormat::Nl) {
+    error = source.path + ": AMPL nonlinear (.nl) models cannot be read by this host";
+    return false;
+  }
+  if (!hostRegularFile(source.path, "model file", error)) return false;
+  if (!source.dataPath.empty() && !hostRegularFile(source.dataPath, "data file", error))
+    return false;
+  if (!readByFormat(source, instance, error, progress)) return false;
+  if (!hostInfiniteBounds(instance, error)) {
+    error = source.path + ": " + error;
+    return false;
+  }
+  return true;
 }

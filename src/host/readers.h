@@ -32,10 +32,14 @@ struct ModelSource {
 // Told the bytes read so far and the file's size while a reader goes through a large file.
 using HostProgress = std::function<void(int64_t done, int64_t total)>;
 
-// Reads a model into `instance`. GLPK's output is kept from the terminal while it reads. Should
-// GLPK itself fail (not a refused file: an error inside the library), its environment is freed,
-// and with it every GLPK object of the process: hold none across this call or hostAutoScale. On failure returns false and sets `error` to a message that
-// names the file, the line where there is one, and what is wrong.
+// True when `path` is a plain file; else false with "PATH: the WHAT is a folder" (or a device,
+// or missing) in `error`. A folder or a device is never read as a file.
+bool hostRegularFile(const std::string& path, const char* what, std::string& error);
+
+// Reads a model into `instance`. GLPK runs under glpkCall: nothing it does ends the process, and
+// it prints nothing. Bounds of 1e+300 and beyond are infinite (hostInfiniteBounds). On failure
+// returns false and sets `error` to a message that names the file, the line where there is one,
+// and what is wrong.
 bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
                const HostProgress& progress = nullptr);
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/names.h"
 #include "host/readers.h"
@@ -12,3 +14,9 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
                   HostInstance& inst, std::string& error, const HostProgress& progress);
 // MathProg (with an optional data file), free or fixed MPS, or CPLEX LP, through GLPK.
 bool readGlpkModel(const ModelSource& source, HostInstance& inst, std::string& error);
+
+// The message of a model that GLPK refused, from GLPK's output: its first "FILE:LINE: what"
+// line that is not a warning, else its last line after "FILE: ". `names` pairs GLPK's name of
+// a file with the file's path, put back in the message.
+std::string glpkMessage(const std::string& path, const std::string& output,
+                        const std::vector<std::pair<std::string, std::string>>& names);

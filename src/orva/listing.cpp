@@ -136,3 +136,19 @@ bool orvaWriteListing(const std::string& statusPath, const std::string& runStatu
   std::fflush(out);
   return true;
 }
+
+std::string orvaRunStopMessage(const std::string& statusPath) {
+  std::ifstream in(statusPath, std::ios::binary);
+  std::string line, lastText, lastComment;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.rfind("=2", 0) == 0) return {};
+    if (line.rfind("=C", 0) == 0 && line.find_first_not_of(' ', 2) != std::string::npos)
+      lastComment = line.substr(2);
+    else if (line.find_first_not_of(' ') != std::string::npos && line[0] != '=')
+      lastText = line;
+  }
+  if (!lastComment.empty()) return lastComment;
+  if (!lastText.empty()) return lastText;
+  return "it left no message in the status file; its log above tells why";
+}

@@ -30,3 +30,8 @@ std::vector<std::string> orvaRunStatusLines(int solveStat, int modelStat);
 bool orvaWriteListing(const std::string& statusPath, const std::string& runStatusPath,
                       int handedSolveStat, int handedModelStat, std::FILE* out,
                       std::FILE* terminal, std::string& error);
+
+// Whether modrake's run ended normally: "" when the status file holds its closing "=2" record;
+// else the last message that the run left, the text of its last "=C" record or its last line
+// that is not blank, or, when the status file holds nothing, a pointer to the log.
+std::string orvaRunStopMessage(const std::string& statusPath);

@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "host/readers.h"
+
 namespace {
 
 struct OptionKeyword {
@@ -121,6 +123,7 @@ bool orvaParseOptionText(const std::string& text, const std::string& fileName,
 }
 
 bool orvaReadOptionFile(const std::string& path, OrvaOptions& options, std::string& error) {
+  if (!hostRegularFile(path, "option file", error)) return false;
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     error = path + ": cannot read the option file: " + std::strerror(errno);

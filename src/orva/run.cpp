@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "host/instance_file.h"
+#include "host/names.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
 #include "orva/block_tables.h"
@@ -33,6 +34,7 @@ namespace {
 // Host options hold at most 255 characters, and modrake's joined paths at most 375.
 constexpr size_t kHostOptionLength = 255;
 constexpr size_t kJoinedPathLength = 375;
+constexpr size_t kArgumentLength = 256;
 
 int fail(const std::string& message) {
   std::fprintf(stderr, "orva: %s\n", message.c_str());
@@ -42,6 +44,35 @@ int fail(const std::string& message) {
 bool isRegularFile(const std::string& path) {
   std::error_code ec;
   return fs::is_regular_file(path, ec);
+}
+
+bool exists(const std::string& path) {
+  std::error_code ec;
+  return fs::exists(fs::symlink_status(path, ec));
+}
+
+// Why a path given on the command line cannot be handed on: every path of a run goes into the
+// host's control file, one per line, and is read back with its blanks dropped.
+std::string pathFault(const std::string& path) {
+  for (const char c : path) {
+    if (static_cast<unsigned char>(c) < 32 || c == 127)
+      return "a path with a line break or another control character cannot be used";
+  }
+  if (!path.empty() && (path.front() == ' ' || path.back() == ' '))
+    return "a path that begins or ends with a blank cannot be used";
+  return {};
+}
+
+// The listing's folder must exist before the run, so that a run is not lost for want of it.
+std::string listingFault(const std::string& path) {
+  std::error_code ec;
+  if (fs::is_directory(path, ec)) return "the listing path is a folder";
+  fs::path parent = fs::path(path).parent_path();
+  if (parent.empty()) parent = ".";
+  const std::string folder = "the listing's folder " + parent.string();
+  if (!fs::is_directory(parent, ec)) return folder + " does not exist";
+  if (access(parent.c_str(), W_OK) != 0) return folder + " cannot be written";
+  return {};
 }
 
 std::string absolutePath(const std::string& path) {
@@ -209,6 +240,17 @@ int orvaMain(const std::vector<std::string>& args) {
     return 0;
   }
 
+  for (const std::string* path : {&cmd.modelPath, &cmd.dataPath, &cmd.requestsPath,
+                                 &cmd.optionsPath, &cmd.solutionPath, &cmd.listingPath,
+                                 &cmd.keepScratchDir}) {
+    if (const std::string fault = pathFault(*path); !fault.empty())
+      return fail("\"" + hostShownName(*path) + "\": " + fault);
+  }
+  if (!cmd.listingPath.empty() && cmd.listingPath != "-") {
+    if (const std::string fault = listingFault(cmd.listingPath); !fault.empty())
+      return fail(cmd.listingPath + ": " + fault);
+  }
+
   // The model, read before anything else: a model that cannot be read never reaches modrake.
   ModelSource source;
   source.path = cmd.modelPath;
@@ -226,8 +268,8 @@ int orvaMain(const std::vector<std::string>& args) {
   if (source.format == ModelFormat::Nl) {
     return fail(cmd.modelPath + ": the .nl reader is not in this build");
   }
-  if (!isRegularFile(cmd.modelPath)) return fail(cmd.modelPath + ": no such model file");
-  if (!cmd.dataPath.empty() && !isRegularFile(cmd.dataPath)) {
+  if (!exists(cmd.modelPath)) return fail(cmd.modelPath + ": no such model file");
+  if (!cmd.dataPath.empty() && !exists(cmd.dataPath)) {
     return fail(cmd.dataPath + ": no such data file");
   }
   source.symbols = cmd.symbols;
@@ -238,6 +280,7 @@ int orvaMain(const std::vector<std::string>& args) {
     if (!readModel(source, instance, error, progress.reading())) return fail(error);
   }
   clock.lap("reading the model");
+  // modrake computes the scale factors again; a model they cannot be had for never reaches it.
   if (cmd.scaleAuto && !hostAutoScale(instance, error)) return fail(error);
   const fs::path modelPath = absolutePath(cmd.modelPath);
   const std::string modelDir = withSeparator(modelPath.parent_path().string());
@@ -247,7 +290,7 @@ int orvaMain(const std::vector<std::string>& args) {
   // The option file.
   OrvaOptions options;
   std::string optionsPath = cmd.optionsPath;
-  if (optionsPath.empty() && isRegularFile(modelDir + "modrake.opt")) {
+  if (optionsPath.empty() && exists(modelDir + "modrake.opt")) {
     optionsPath = modelDir + "modrake.opt";
   }
   if (!optionsPath.empty() && !orvaReadOptionFile(optionsPath, options, error)) return fail(error);
@@ -256,10 +299,11 @@ int orvaMain(const std::vector<std::string>& args) {
   std::string requestsPath = cmd.requestsPath.empty() ? modelDir + inputName + ".mrk"
                                                       : cmd.requestsPath;
   std::string requestText;
-  const bool requestsExist = isRegularFile(requestsPath);
+  const bool requestsExist = exists(requestsPath);
   if (!cmd.requestsPath.empty() && !requestsExist) {
     return fail(cmd.requestsPath + ": no such request file");
   }
+  if (requestsExist && !hostRegularFile(requestsPath, "request file", error)) return fail(error);
   if (requestsExist && !readWholeFile(requestsPath, requestText)) {
     return fail(requestsPath + ": cannot read the request file");
   }
@@ -268,7 +312,8 @@ int orvaMain(const std::vector<std::string>& args) {
   HostSolution solution;
   const bool userSolution = !cmd.solutionPath.empty();
   if (userSolution) {
-    if (!isRegularFile(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
+    if (!exists(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
+    if (!hostRegularFile(cmd.solutionPath, "solution file", error)) return fail(error);
     if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
     applySolution(instance, solution);
   }
@@ -291,13 +336,16 @@ int orvaMain(const std::vector<std::string>& args) {
     }
     OrvaSolveSettings settings;
     settings.timeLimitSeconds = cmd.timeLimitSeconds;
+    std::string stopped;
     {
       OrvaProgress progress("solving");
-      orvaSolveInstance(instance, settings, solution);
+      stopped = orvaSolveInstance(instance, settings, solution);
     }
+    if (!stopped.empty())
+      std::fprintf(stderr, "orva: %s: %s\n", cmd.modelPath.c_str(), stopped.c_str());
     applySolution(instance, solution);
     clock.lap("solving");
-    if (instance.objVar > 0 && !solution.colLevel.empty()) {
+    if (instance.objVar > 0 && solution.modelStat != kStatErrorNoSolution) {
       std::fprintf(stderr, "orva: GLPK: model status %d %s, objective %.10g\n",
                    static_cast<int>(solution.modelStat), orvaModelStatName(solution.modelStat),
                    solution.colLevel[instance.objVar - 1]);
@@ -325,10 +373,25 @@ int orvaMain(const std::vector<std::string>& args) {
   if (!makeScratch(cmd, scratch.dir, error)) return fail(error);
   scratch.keep = !cmd.keepScratchDir.empty();
   const std::string ext = kOrvaScratchExt;
+  // modrake takes the control file's path as an argument of at most 256 characters, and
+  // every path of the control file is a host option of at most 255.
+  const std::string controlFile = scratch.dir + "orva.ctl";
   if (scratch.dir.size() + std::strlen("modrake.") + ext.size() > kJoinedPathLength - 1 ||
-      scratch.dir.size() > kHostOptionLength) {
-    return fail(scratch.dir + ": the scratch folder's path is too long (at most " +
-                std::to_string(kHostOptionLength) + " characters)");
+      (scratch.dir + inputName + ".sta").size() > kHostOptionLength ||
+      (scratch.dir + "orvainst." + ext).size() > kHostOptionLength ||
+      controlFile.size() > kArgumentLength) {
+    return fail(scratch.dir + ": the scratch folder's path is too long for the files of the run "
+                "(at most " + std::to_string(kHostOptionLength) + " characters each)");
+  }
+  for (const std::string& name : {inputName + ".sta", inputName + ".mrk", std::string("orva.ctl"),
+                                   "modrake." + ext, "ovmstat." + ext, "mrkanal." + ext,
+                                   "orvainst." + ext, "timings." + ext,
+                                   "model" + modelPath.extension().string()}) {
+    const std::string path = scratch.dir + name;
+    if (exists(path) && !isRegularFile(path)) {
+      scratch.keep = true;
+      return fail(path + ": stands in the scratch folder but is not a plain file; remove it");
+    }
   }
 
   OrvaRunFiles files;
@@ -358,11 +421,19 @@ int orvaMain(const std::vector<std::string>& args) {
   }
   // The model, with its scale factors and the solution handed over, goes to modrake in the
   // host's binary form: modrake reads no model file.
+  // The host keeps 255 characters of the model's path, which names the dictionary: a longer
+  // path is handed over as a link in the scratch folder.
+  if (instance.sourcePath.size() > kHostOptionLength) {
+    const std::string link = scratch.dir + "model" + modelPath.extension().string();
+    fs::remove(link, ec);
+    fs::create_symlink(modelPath, link, ec);
+    if (ec) return fail(link + ": cannot make the link: " + ec.message());
+    instance.sourcePath = link;
+  }
   files.instanceFile = scratch.dir + "orvainst." + ext;
   files.phaseFile = scratch.dir + "timings." + ext;
   if (!writeInstanceFile(files.instanceFile, instance, error)) return fail(error);
   clock.lap("handing over");
-  const std::string controlFile = scratch.dir + "orva.ctl";
   if (!writeHostControlFile(controlFile, orvaHostOptions(files), error)) return fail(error);
   if (!orvaWriteControlRecords(scratch.dir + "modrake." + ext, options, error)) return fail(error);
 
@@ -393,7 +464,9 @@ int orvaMain(const std::vector<std::string>& args) {
   if (!listingToStdout) {
     out = std::fopen(listingPath.c_str(), "w");
     if (out == nullptr) {
-      return fail(listingPath + ": cannot write the listing: " + std::strerror(errno));
+      scratch.keep = true;
+      return fail(listingPath + ": cannot write the listing: " + std::strerror(errno) +
+                  "; the status file stays in " + scratch.dir);
     }
   }
   const int handedSolve = options.solutionExpected ? solution.solveStat : 0;
@@ -409,5 +482,11 @@ int orvaMain(const std::vector<std::string>& args) {
                 "stays in " + scratch.dir);
   }
   if (!listingToStdout) std::fprintf(stderr, "orva: listing written to %s\n", listingPath.c_str());
+  const std::string stopMessage = orvaRunStopMessage(files.statusFile);
+  if (!stopMessage.empty()) {
+    std::fprintf(stderr, "orva: modrake stopped before the end of its run: %s\n",
+                 stopMessage.c_str());
+    if (status == 0) return kOrvaExitStopped;
+  }
   return status;
 }

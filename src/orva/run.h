@@ -9,6 +9,9 @@
 
 // Exit status of a usage or input error of orva itself.
 inline constexpr int kOrvaExitInputError = 2;
+// Exit status when modrake stopped before the end of its run (no closing "=2" record) while
+// its own exit status was 0.
+inline constexpr int kOrvaExitStopped = 3;
 
 // Scratch extension of the run's files.
 inline constexpr const char* kOrvaScratchExt = "scr";
@@ -28,5 +31,6 @@ struct OrvaRunFiles {
 HostOptions orvaHostOptions(const OrvaRunFiles& files);
 
 // Runs orva on the arguments after the program name; returns the exit status: modrake's own,
-// 0 after --help, or 2 for a usage or input error, whose message goes to standard error.
+// 0 after --help, 2 for a usage or input error, whose message goes to standard error, or 3
+// when modrake stopped early.
 int orvaMain(const std::vector<std::string>& args);

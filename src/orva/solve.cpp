@@ -8,6 +8,8 @@
 #include <cmath>
 #include <vector>
 
+#include "host/glpk_call.h"
+
 namespace {
 
 bool isIntegerType(int32_t type) { return type == kVarBinary || type == kVarInteger; }
@@ -28,7 +30,8 @@ int boundType(double lo, double up) {
 
 // The problem object of an instance: its rows and columns as they stand, the objective the
 // objective variable alone.
-glp_prob* buildProblem(const HostInstance& inst, bool& isMip) {
+glp_prob* buildProblem(const HostInstance& inst, bool& isMip, std::vector<int>& ia,
+                       std::vector<int>& ja, std::vector<double>& ar) {
   glp_prob* lp = glp_create_prob();
   const int m = inst.rowCount, n = inst.colCount;
   if (m > 0) glp_add_rows(lp, m);
@@ -55,9 +58,6 @@ glp_prob* buildProblem(const HostInstance& inst, bool& isMip) {
   }
   if (inst.objVar > 0) glp_set_obj_coef(lp, inst.objVar, 1.0);
 
-  const int nz = hostNzCount(inst);
-  std::vector<int> ia(static_cast<size_t>(nz) + 1), ja(static_cast<size_t>(nz) + 1);
-  std::vector<double> ar(static_cast<size_t>(nz) + 1);
   int ne = 0;
   for (int j = 0; j < n; ++j) {
     for (int k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
@@ -209,26 +209,27 @@ std::string orvaUnsolvableReason(const HostInstance& inst) {
   return {};
 }
 
-void orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings& settings,
-                       HostSolution& sol) {
-  const auto start = std::chrono::steady_clock::now();
-  sizeSolution(inst, sol);
-  sol.solveStat = kSolveNormal;
+namespace {
 
-  for (int j = 0; j < inst.colCount; ++j) {
-    if (inst.colLower[j] > inst.colUpper[j]) {
-      // Crossed bounds: no solve can help; the point shows the variable out of its bounds.
-      takeBoundPoint(inst, sol);
-      sol.modelStat = kStatInfeasible;
-      orvaConditionStatuses(inst, sol);
-      return;
-    }
-  }
+// The solve, in a GLPK body: every array it fills lives in the job.
+struct SolveJob {
+  const HostInstance& inst;
+  const OrvaSolveSettings& settings;
+  HostSolution& sol;
+  std::chrono::steady_clock::time_point start;
+  std::vector<int> ia, ja;
+  std::vector<double> ar, mipLevel;
+  bool scaled = true;
+};
 
-  glp_term_out(GLP_OFF);
+void solveBody(void* data) {
+  SolveJob& job = *static_cast<SolveJob*>(data);
+  const HostInstance& inst = job.inst;
+  const OrvaSolveSettings& settings = job.settings;
+  HostSolution& sol = job.sol;
   bool isMip = false;
-  glp_prob* lp = buildProblem(inst, isMip);
-  glp_scale_prob(lp, GLP_SF_AUTO);
+  glp_prob* lp = buildProblem(inst, isMip, job.ia, job.ja, job.ar);
+  if (job.scaled) glp_scale_prob(lp, GLP_SF_AUTO);
 
   glp_smcp smcp;
   glp_init_smcp(&smcp);
@@ -263,7 +264,8 @@ void orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings& settin
   }
 
   if (isMip && sol.modelStat == kStatOptimal) {
-    double spent = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    double spent =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - job.start).count();
     glp_iocp iocp;
     glp_init_iocp(&iocp);
     iocp.msg_lev = GLP_MSG_OFF;
@@ -277,7 +279,7 @@ void orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings& settin
       sol.modelStat = mst == GLP_OPT ? kStatOptimal : kStatIntegerSolution;
       if (mrc == GLP_ETMLIM) sol.solveStat = kSolveResourceInterrupt;
       // Integer columns fixed at their values; the LP solved again gives marginals and basis.
-      std::vector<double> mipLevel(static_cast<size_t>(inst.colCount));
+      std::vector<double>& mipLevel = job.mipLevel;
       for (int j = 0; j < inst.colCount; ++j) {
         mipLevel[j] = glp_mip_col_val(lp, j + 1);
         if (isIntegerType(inst.colType[j])) {
@@ -307,7 +309,44 @@ void orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings& settin
     }
   }
   glp_delete_prob(lp);
-  orvaConditionStatuses(inst, sol);
+}
+
+}  // namespace
+
+std::string orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings& settings,
+                              HostSolution& sol) {
+  sizeSolution(inst, sol);
+  sol.solveStat = kSolveNormal;
+  for (int j = 0; j < inst.colCount; ++j) {
+    if (inst.colLower[j] > inst.colUpper[j]) {
+      // Crossed bounds: no solve can help; the point shows the variable out of its bounds.
+      takeBoundPoint(inst, sol);
+      sol.modelStat = kStatInfeasible;
+      orvaConditionStatuses(inst, sol);
+      return {};
+    }
+  }
+  const auto nz = static_cast<size_t>(hostNzCount(inst)) + 1;
+  SolveJob job{inst, settings, sol, std::chrono::steady_clock::now(),
+               std::vector<int>(nz), std::vector<int>(nz), std::vector<double>(nz),
+               std::vector<double>(static_cast<size_t>(inst.colCount)), true};
+  std::string output;
+  GlpkOutcome outcome = glpkCall(solveBody, &job, output);
+  if (outcome != kGlpkDone) {
+    // GLPK's scaling refuses factors of extreme size (0 or infinite): solve unscaled.
+    sizeSolution(inst, sol);
+    sol.solveStat = kSolveNormal;
+    job.scaled = false;
+    outcome = glpkCall(solveBody, &job, output);
+  }
+  if (outcome != kGlpkDone) {
+    sizeSolution(inst, sol);
+    sol.solveStat = kSolveTerminated;
+    sol.modelStat = kStatErrorNoSolution;
+    return "GLPK stopped: " + glpkLastWords(output);
+  }
+  if (sol.modelStat != kStatErrorNoSolution) orvaConditionStatuses(inst, sol);
+  return {};
 }
 
 void orvaConditionStatuses(const HostInstance& inst, HostSolution& sol) {

@@ -35,9 +35,11 @@ std::string orvaUnsolvableReason(const HostInstance& instance);
 // Solves the instance: simplex for an LP; for a MIP branch-and-cut, then the integer
 // variables fixed at their values and the LP solved again for marginals and basis. Fills
 // levels, marginals, basis and condition statuses, model and solve status. Call only when
-// orvaUnsolvableReason is empty. GLPK prints nothing.
-void orvaSolveInstance(const HostInstance& instance, const OrvaSolveSettings& settings,
-                       HostSolution& solution);
+// orvaUnsolvableReason is empty. GLPK prints nothing. Should GLPK itself stop (not a model
+// it cannot solve: an error inside the library), the solution is empty with model status 13
+// and solve status 4, and the reason is returned; else "".
+std::string orvaSolveInstance(const HostInstance& instance, const OrvaSolveSettings& settings,
+                              HostSolution& solution);
 
 // Condition statuses from levels, marginals and the sense of the objective: 2 infeasible,
 // 1 a marginal of the wrong sign for where the item stands, else 0. Unbounded marks (3) that
