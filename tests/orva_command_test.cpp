@@ -299,6 +299,45 @@ TEST(OrvaCommandRun, UserSolutionHandedOver) {
   fs::remove_all(dir);
 }
 
+// A native instance that carries its own solution is handed over as it is, even when POSTOPT
+// asks: record 1 is true, nothing is solved, and its statuses close the listing. Model status
+// 14 alone carries nothing.
+TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
+  const fs::path dir = freshDir("native");
+  std::string text = readFile(kData + "small.json");
+  const std::string withSolution = std::string(text).insert(
+      text.find("\"rows\""), "\"modelStat\": 7, \"solveStat\": 3,\n  ");
+  std::ofstream(dir / "own.json") << withSolution;
+  std::ofstream(dir / "own.mrk") << "POSTOPT\n";
+  std::ofstream(dir / "none.json") << std::string(text).insert(text.find("\"rows\""),
+                                                               "\"modelStat\": 14,\n  ");
+  std::ofstream(dir / "none.mrk") << "DISPLAYCR\n";
+  const struct {
+    const char* model;
+    const char* record1;
+    const char* modelStatus;
+  } cases[] = {{"own.json", "T", " Model status     7  intermediate nonoptimal"},
+               {"none.json", "F", " Model status    14  no solution returned"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.model);
+    const fs::path scratch = dir / "kept";
+    RunResult r = runOrva(dir, {c.model, "--keep-scratch", scratch.string()});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
+    EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), c.record1);
+    const std::vector<std::string> control = readLines(scratch / "orva.ctl");
+    EXPECT_EQ(std::count_if(control.begin(), control.end(),
+                            [](const std::string& l) { return l.starts_with("SolutionFile"); }),
+              0);
+    const std::vector<std::string> listing =
+        readLines(dir / (fs::path(c.model).stem().string() + ".lst"));
+    ASSERT_GE(listing.size(), 1u);
+    EXPECT_EQ(listing.back(), c.modelStatus);
+    fs::remove_all(scratch);
+  }
+  fs::remove_all(dir);
+}
+
 }  // namespace
 
 namespace {

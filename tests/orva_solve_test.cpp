@@ -63,6 +63,41 @@ void expectAccountsClose(const HostInstance& inst, const HostSolution& sol) {
   }
 }
 
+// The accounts as a report of the solution checks them, with its single-precision relative
+// tolerances and a nonbasic level taken from its bound: every budget of coefficient times row
+// marginal plus the column's marginal closes (the objective variable's need not), and no row
+// sum overshoots its level. No value is rounding noise within kOrvaZeroThreshold of 0.
+void expectReportAccountsClose(const HostInstance& inst, const HostSolution& sol) {
+  const double budgetTolerance = static_cast<double>(1e-4f);
+  const double rowSumTolerance = static_cast<double>(1e-5f);
+  std::vector<double> rowSum(inst.rowCount, 0.0), rowAbs(inst.rowCount, 0.0);
+  for (int j = 0; j < inst.colCount; ++j) {
+    double x = sol.colStat[j] == 0 ? inst.colLower[j]
+               : sol.colStat[j] == 1 ? inst.colUpper[j]
+                                     : sol.colLevel[j];
+    double sum = 0.0, size = 0.0;
+    for (int k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
+      const int i = inst.entryRow[k];
+      const double t = sol.rowMarginal[i] * inst.entryValue[k];
+      sum += t;
+      size += std::fabs(t);
+      rowSum[i] += inst.entryValue[k] * x;
+      rowAbs[i] += std::fabs(inst.entryValue[k] * x);
+    }
+    if (j + 1 != inst.objVar) {
+      EXPECT_LE(std::fabs(sum + sol.colMarginal[j]), budgetTolerance * size) << "column " << j + 1;
+    }
+  }
+  for (int i = 0; i < inst.rowCount; ++i) {
+    const double level = sol.rowStat[i] < 2 ? inst.rowRhs[i] : sol.rowLevel[i];
+    EXPECT_LE(std::fabs(rowSum[i]) - std::fabs(level), rowSumTolerance * rowAbs[i]) << "row " << i + 1;
+  }
+  for (const std::vector<double>* v : {&sol.rowLevel, &sol.rowMarginal, &sol.colLevel,
+                                       &sol.colMarginal}) {
+    for (double x : *v) EXPECT_FALSE(x != 0.0 && std::fabs(x) <= kOrvaZeroThreshold) << x;
+  }
+}
+
 int count(const std::vector<int32_t>& v, int32_t value) {
   int n = 0;
   for (int32_t x : v) n += x == value;
@@ -134,18 +169,24 @@ TEST(OrvaSolveLp, InfeasibleModelShowsItsInfeasibleItems) {
   EXPECT_GE(count(s.rowCStat, 2) + count(s.colCStat, 2), 1);
 }
 
-TEST(OrvaSolveLp, UnboundedModelMarksTheRay) {
-  // min z: z = y - x;  x + y >= 0;  x, y >= 0: x grows without end.
+TEST(OrvaSolveLp, UnboundedModelMarksTheRayAndWhatItDrives) {
+  // min z: z = -x - w;  x - y = 0;  w <= 1;  x, y, w >= 0: x and y grow together without end,
+  // and z with them; w stops at its bound and the row stays fixed.
   Builder b;
-  int obj = b.row(kRowE, 0.0), link = b.row(kRowG, 0.0);
+  int obj = b.row(kRowE, 0.0), link = b.row(kRowE, 0.0);
   b.col(0, inf, {{obj, -1.0}, {link, 1.0}});
-  b.col(0, inf, {{obj, 1.0}, {link, 1.0}});
+  b.col(0, inf, {{link, -1.0}});
+  b.col(0, 1, {{obj, -1.0}});
   b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
   b.inst.objRow = obj;
   HostSolution s;
   orvaSolveInstance(b.inst, {}, s);
   EXPECT_EQ(s.modelStat, kStatUnbounded);
-  EXPECT_EQ(count(s.rowCStat, 3) + count(s.colCStat, 3), 1);
+  EXPECT_EQ(s.colCStat[0], 3);
+  EXPECT_EQ(s.colCStat[1], 3);
+  EXPECT_NE(s.colCStat[2], 3);
+  EXPECT_EQ(s.colCStat[3], 3);
+  EXPECT_EQ(count(s.rowCStat, 3), 0);
 }
 
 TEST(OrvaSolveLp, CrossedBoundsAreInfeasibleWithoutASolve) {
@@ -295,6 +336,7 @@ TEST(OrvaSolveNetlib, PublishedOptimaAndClosedAccounts) {
     ASSERT_EQ(s.modelStat, kStatOptimal);
     EXPECT_NEAR(s.colLevel[inst.objVar - 1], c.optimum, 1e-9 * std::fabs(c.optimum) + 1e-6);
     expectAccountsClose(inst, s);
+    expectReportAccountsClose(inst, s);
     EXPECT_EQ(count(s.rowCStat, 0), inst.rowCount);
     EXPECT_EQ(count(s.colCStat, 0), inst.colCount);
   }

@@ -285,7 +285,7 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
   bool solutionGiven = false;
   if (doc.contains("modelStat")) {
     if (!wholeNumber("modelStat", 1, 14, inst.modelStat)) return false;
-    solutionGiven = true;
+    solutionGiven = inst.modelStat != kStatNoSolutionReturned;
   }
   if (doc.contains("solveStat") && !wholeNumber("solveStat", 1, 13, inst.solveStat))
     return false;

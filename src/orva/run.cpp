@@ -326,7 +326,14 @@ int orvaMain(const std::vector<std::string>& args) {
   for (const OrvaStrayLine& stray : requestScan.strayLines) {
     std::fprintf(stderr, "orva: %s\n", orvaStrayLineWarning(requestsName, stray).c_str());
   }
-  const bool askedByRequests = cmd.solveMode == 0 && requestScan.needsSolution;
+  // A native instance may carry a solution of its own (levels, marginals, a model status);
+  // it is handed over as it stands unless --solve or --solution replaces it.
+  const bool ownSolution = !userSolution && instance.hasSolution;
+  if (ownSolution) {
+    solution.modelStat = instance.modelStat;
+    solution.solveStat = instance.solveStat;
+  }
+  const bool askedByRequests = cmd.solveMode == 0 && !ownSolution && requestScan.needsSolution;
   const bool solve = !userSolution && (cmd.solveMode == 1 || askedByRequests);
   if (solve) {
     std::string reason = orvaUnsolvableReason(instance);
@@ -354,7 +361,7 @@ int orvaMain(const std::vector<std::string>& args) {
                    static_cast<int>(solution.modelStat), orvaModelStatName(solution.modelStat));
     }
   }
-  options.solutionExpected = userSolution || solve;
+  options.solutionExpected = userSolution || solve || instance.hasSolution;
 
   // BLOCKPIC, asked for or run because nothing else is, may need large tables.
   if (requestScan.blockPicture) {

@@ -139,14 +139,41 @@ void takeBoundPoint(const HostInstance& inst, HostSolution& sol) {
   computeRowLevels(inst, sol);
 }
 
+// Condition status 3 for the unbounded ray: the nonbasic variable (column or row) along which
+// GLPK found no limit, and the basic columns that its tableau column drives; the objective
+// variable when GLPK names none.
 void markUnbounded(glp_prob* lp, const HostInstance& inst, HostSolution& sol) {
-  int k = glp_get_unbnd_ray(lp);
-  if (k >= 1 && k <= inst.rowCount) {
-    sol.rowCStat[k - 1] = 3;
-  } else if (k > inst.rowCount && k <= inst.rowCount + inst.colCount) {
-    sol.colCStat[k - inst.rowCount - 1] = 3;
-  } else if (inst.objVar > 0) {
-    sol.colCStat[inst.objVar - 1] = 3;
+  const int m = inst.rowCount, n = inst.colCount;
+  const int k = glp_get_unbnd_ray(lp);
+  if (k < 1 || k > m + n) {
+    if (inst.objVar > 0) sol.colCStat[inst.objVar - 1] = 3;
+    return;
+  }
+  auto mark = [&](int var) {
+    if (var <= m) {
+      sol.rowCStat[var - 1] = 3;
+    } else {
+      sol.colCStat[var - m - 1] = 3;
+    }
+  };
+  mark(k);
+  const int stat = k <= m ? glp_get_row_stat(lp, k) : glp_get_col_stat(lp, k - m);
+  if (stat == GLP_BS || (!glp_bf_exists(lp) && glp_factorize(lp) != 0)) return;
+  std::vector<int> ind(static_cast<size_t>(m) + 1);
+  std::vector<double> val(static_cast<size_t>(m) + 1);
+  const int len = glp_eval_tab_col(lp, k, ind.data(), val.data());
+  for (int t = 1; t <= len; ++t) {
+    if (ind[t] > m && std::fabs(val[t]) > kOrvaZeroThreshold) mark(ind[t]);
+  }
+}
+
+// A solver's rounding noise: levels and marginals within kOrvaZeroThreshold of 0 become 0.
+void cleanNoise(HostSolution& sol) {
+  for (std::vector<double>* v : {&sol.rowLevel, &sol.rowMarginal, &sol.colLevel,
+                                 &sol.colMarginal}) {
+    for (double& x : *v) {
+      if (std::fabs(x) <= kOrvaZeroThreshold) x = 0.0;
+    }
   }
 }
 
@@ -345,7 +372,10 @@ std::string orvaSolveInstance(const HostInstance& inst, const OrvaSolveSettings&
     sol.modelStat = kStatErrorNoSolution;
     return "GLPK stopped: " + glpkLastWords(output);
   }
-  if (sol.modelStat != kStatErrorNoSolution) orvaConditionStatuses(inst, sol);
+  if (sol.modelStat != kStatErrorNoSolution) {
+    cleanNoise(sol);
+    orvaConditionStatuses(inst, sol);
+  }
   return {};
 }
 

@@ -27,6 +27,10 @@ struct OrvaSolveSettings {
 inline constexpr double kOrvaFeasTol = 1e-6;  // relative to max(1, |bound|)
 inline constexpr double kOrvaDualTol = 1e-6;  // relative to max(1, largest |marginal|)
 
+// Levels and marginals that GLPK computes within this distance of 0 are handed over as 0:
+// they are rounding noise, far below GLPK's own tolerances (1e-7).
+inline constexpr double kOrvaZeroThreshold = 1e-9;
+
 // Why an instance cannot be solved here: nonlinear entries, SOS or semi-continuous variables,
 // a coefficient or bound that is not a number, an entry that repeats a row in its column.
 // Empty when the instance can be solved.
@@ -34,10 +38,11 @@ std::string orvaUnsolvableReason(const HostInstance& instance);
 
 // Solves the instance: simplex for an LP; for a MIP branch-and-cut, then the integer
 // variables fixed at their values and the LP solved again for marginals and basis. Fills
-// levels, marginals, basis and condition statuses, model and solve status. Call only when
-// orvaUnsolvableReason is empty. GLPK prints nothing. Should GLPK itself stop (not a model
-// it cannot solve: an error inside the library), the solution is empty with model status 13
-// and solve status 4, and the reason is returned; else "".
+// levels, marginals, basis and condition statuses, model and solve status; levels and
+// marginals within kOrvaZeroThreshold of 0 become 0. Call only when orvaUnsolvableReason is
+// empty. GLPK prints nothing. Should GLPK itself stop (not a model it cannot solve: an error
+// inside the library), the solution is empty with model status 13 and solve status 4, and the
+// reason is returned; else "".
 std::string orvaSolveInstance(const HostInstance& instance, const OrvaSolveSettings& settings,
                               HostSolution& solution);
 
