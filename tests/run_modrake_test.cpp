@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +24,13 @@ namespace {
 std::string pad(std::string s, size_t n) {
   s.resize(n, ' ');
   return s;
+}
+
+std::string readFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 // The audit line as the host gives it for this system, 75 characters.
@@ -47,6 +55,7 @@ struct RunFiles {
   std::string recordThree = "  500";
   bool solution = false;
   std::string model = "tiny.json";
+  std::string modelDir = std::string(SOURCE_DIR) + "/tests/data/run/";
 };
 
 struct ModrakeRun : ::testing::Test {
@@ -76,8 +85,7 @@ struct ModrakeRun : ::testing::Test {
   void prepare(const RunFiles& f = RunFiles{}, const std::string& statusFile = "status.txt") {
     write("orva.ctl", "NameStaFile = " + d() + statusFile + "\nNameWrkDir = " + d() +
                           "\nNameScrDir = " + d() + "\nNameScrExt = scr\nPageWidth = 130\n" +
-                          "PageSize = 60\nModelFile = " + SOURCE_DIR + "/tests/data/run/" +
-                          f.model + "\n");
+                          "PageSize = 60\nModelFile = " + f.modelDir + f.model + "\n");
     write("modrake.scr", rec("solution expected", f.solution ? "T" : "F") +
                              rec("variable requests", " 1000") +
                              rec("equation requests", f.recordThree) +
@@ -156,6 +164,44 @@ TEST_F(ModrakeRun, RequestFilesGiveTheirGoldenListings) {
     if (r.requests != nullptr) write(std::string(r.model) + ".mrk", r.requests);
     run();
     expectGolden(r.golden);
+  }
+}
+
+// The solution step between "=1" and the titles: POSTOPT and NONOPT load the solution when
+// one is expected and say so when there is none, or when the host's status is 11 or 13;
+// DISPLAYCR and ADVISORY read none.
+TEST_F(ModrakeRun, SolutionStepSaysWhenThereIsNoSolution) {
+  const std::string tiny = readFile(std::string(SOURCE_DIR) + "/tests/data/run/tiny.json");
+  const struct {
+    const char* keyword;
+    bool expected;
+    const char* carried;  // inserted at the head of the instance
+    bool noSolutionLine;
+  } cases[] = {
+      {"POSTOPT", true, "", true},
+      {"NONOPT", true, "\"modelStat\": 13,", true},
+      {"POSTOPT", true, "\"modelStat\": 11,", true},
+      {"POSTOPT", true, "\"modelStat\": 1,", false},
+      {"NONOPT", false, "", false},
+      {"DISPLAYCR", true, "", false},
+      {"ADVISORY", true, "\"modelStat\": 13,", false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.keyword) + " " + c.carried);
+    write("tiny.json", "{" + std::string(c.carried) + tiny.substr(1));
+    write("tiny.mrk", std::string(c.keyword) + "\n");
+    RunFiles f;
+    f.solution = c.expected;
+    f.modelDir = d();
+    prepare(f);
+    fs::remove(dir / "status.txt");
+    run();
+    const auto titles =
+        std::find(status.begin(), status.end(), " ----#### Executing " + std::string(c.keyword));
+    const auto start = std::find(std::make_reverse_iterator(titles), status.rend(), "=1").base() - 1;
+    const Lines expected = c.noSolutionLine ? Lines{"=1", " NO SOLUTION FILE", " "} : Lines{"=1", " "};
+    EXPECT_EQ(Lines(start, titles), expected);
+    EXPECT_EQ(std::count(log.begin(), log.end(), " NO SOLUTION FILE"), c.noSolutionLine ? 1 : 0);
   }
 }
 

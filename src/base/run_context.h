@@ -76,6 +76,9 @@ struct RunContext {
   int32_t analysisProblemCount = 0;
   std::array<int32_t, PROBLEM_KINDS> analysisProblemTally{};
   double objectiveScale = 1.0;
+  // The model status that the solution step hands to the post-solution engine: 0 when no
+  // solution was read, else the host's.
+  int32_t modelStatus = 0;
 
   std::string currentKeyword;  // at most NAME_LEN characters, blank-padded
   std::string requestLine;

@@ -8,6 +8,7 @@
 #include "model/work_array.h"
 #include "pictures/blockpic.h"
 #include "pictures/picture.h"
+#include "postsolution/solution_step.h"
 #include "request/request_line.h"
 #include "run/request_loop.h"
 
@@ -105,10 +106,9 @@ bool runProcedure(const ProcedureRow& row, RunContext& run) {
       row.scaling == ScaleRule::AboveZero ? run.scaleRequest > 0 : run.scaleRequest >= 0;
   setScaling(wanted ? 1 : 0);
   if (row.solutionStep) {
-    laidOut<Phase::Solution>(run);
+    const SolutionRegions solution = laidOut<Phase::Solution>(run);
     writeLine(run.statusChannel, "A2", {"=1"});
-    // The solution step stands here: POSTOPT and NONOPT load the solution, DISPLAYCR and
-    // ADVISORY read none.
+    run.modelStatus = loadSolution(row.proc, solution, run);
   }
   writeFree(run.statusChannel);
   writeProcedureTitles(row);
