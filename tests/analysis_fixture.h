@@ -12,6 +12,7 @@
 
 #include "host/host.h"
 #include "host/instance.h"
+#include "model/matrix_store.h"
 #include "model/work_array.h"
 #include "run/dispatch.h"
 #include "run/run_state.h"
@@ -173,6 +174,9 @@ struct RunFixture {
     rs.logChannel = Channel{nullptr, &log};
     if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
     rs.analysisChannel = std::tmpfile();
+    // The Jacobian store, as start-up fills it: ANALYSIS shows its problems through DISPLAYCR.
+    openJacobian(nullptr, rs.model, rs.rowCount, rs.colCount, rs.nzCount);
+    fillJacobian(nullptr, rs.model);
     int64_t total = 0;
     partitionWorkArray(Phase::Largest, workArraySizes(runState), 1, total);
     std::free(workArray.words);

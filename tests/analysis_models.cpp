@@ -65,13 +65,22 @@ OrvaRun runModel(const std::string& model) {
   return run;
 }
 
-// The lines from the variable report's heading to the line before the closing "=2".
+// The first line of the display of ANALYSIS's problems through DISPLAYCR, on the status file
+// and on the log.
+const std::string kDisplayStepStatus = " ----#### Using DISPLAYCR to show ANALYSIS Problems";
+const std::string kDisplayStepLog = " #### Using DISPLAYCR to show ANALYSIS Problems";
+
+// The lines from the variable report's heading to the line before the closing "=2", or to the
+// blank line before the display of the problems.
 Lines analysisReport(const Lines& status) {
   const std::string heading = kVariableHeading[1];
   for (size_t k = 1; k < status.size(); ++k) {
     if (status[k] != heading) continue;
     size_t end = status.size();
     if (end > 0 && status[end - 1] == "=2") --end;
+    for (size_t d = k; d + 1 < end; ++d) {
+      if (status[d + 1] == kDisplayStepStatus) end = d;
+    }
     return Lines(status.begin() + static_cast<std::ptrdiff_t>(k - 1),
                  status.begin() + static_cast<std::ptrdiff_t>(end));
   }
@@ -83,7 +92,10 @@ Lines analysisLog(const Lines& log) {
   for (size_t k = 0; k < log.size(); ++k) {
     if (log[k] != " #### Executing ANALYSIS ") continue;
     size_t end = k;
-    while (end < log.size() && log[end] != " MODRAKE All Done") ++end;
+    while (end < log.size() && log[end] != " MODRAKE All Done" &&
+           !(end + 1 < log.size() && log[end + 1] == kDisplayStepLog)) {
+      ++end;
+    }
     return Lines(log.begin() + static_cast<std::ptrdiff_t>(k),
                  log.begin() + static_cast<std::ptrdiff_t>(end));
   }

@@ -412,11 +412,33 @@ TEST(RunAnalysis, HeadingBothReportsAndScratchFile) {
   fx.start(b.build());
   runProcedure(procedureRow(Proc::Analysis), runState);
   const Lines heading = {" ", " ----#### Executing ANALYSIS ", "=L#### MODRAKE ANALYSIS ", " "};
+  // Then the two problems through DISPLAYCR at page width 80: labels in 55 columns, the item
+  // lines 73 wide; X with its entries and no bound line, LIM with the entry of Y.
+  const Lines display = {
+      " ", " ----#### Using DISPLAYCR to show ANALYSIS Problems",
+      "          Note only the first 5 problems found  under each",
+      "           Error or warning type will be displayed up to ",
+      "           maximum of 200 variables or equations",
+      "", "", " ----###  DISPLAYING VARIABLES             ",
+      " ", "", " ----## VAR X" + std::string(30, ' '), "",
+      "", " ##  X" + std::string(72, ' '),
+      " PROFIT" + std::string(49, ' ') + "   " + "     2.00000",
+      " NEED" + std::string(51, ' ') + "   " + "     1.00000",
+      "", "", " ----###    DISPLAYING EQUATIONS   ", "", "",
+      " ", "", " ----## EQU LIM" + std::string(28, ' '), "",
+      "", " ##  LIM" + std::string(70, ' '),
+      " Y" + std::string(54, ' ') + "   " + "     1.00000",
+      "", "         =L=" + std::string(47, ' ') + "    -1.00000",
+      " "};
   EXPECT_EQ(fx.status, heading + kVariableHeading + kMessage.at(20) + nextItem("X") +
-                           kEquationHeading + kMessage.at(5) + firstItem("LIM"));
-  EXPECT_EQ(fx.log, (Lines{" #### Executing ANALYSIS ", kUnbounded, kInfeasible}));
+                           kEquationHeading + kMessage.at(5) + firstItem("LIM") + display);
+  EXPECT_EQ(fx.log, (Lines{" #### Executing ANALYSIS ", kUnbounded, kInfeasible, " ", "",
+                           " #### Using DISPLAYCR to show ANALYSIS Problems",
+                           "       Note only the first 5 problems found  under each",
+                           "         Error or warning type will be displayed up to ",
+                           "         maximum of 200 variables or equations"}));
   EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X", " equation", "   LIM"}));
-  EXPECT_EQ(runState.analysisProblemsPending, 1);
+  EXPECT_EQ(runState.analysisProblemsPending, 0);
 }
 
 }  // namespace

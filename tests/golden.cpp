@@ -2,6 +2,19 @@
 
 #include <fstream>
 
+#include "host/host.h"
+
+std::string auditLine() {
+  ovpHandle audit = nullptr;
+  std::string message;
+  if (!ovpXCreate(audit, message)) return "(no audit object: " + message + ")";
+  ovpSetSystemName(audit, "MODRAKE-B 1.3");
+  std::string line = ovpGetAuditLine(audit);
+  ovpFree(audit);
+  line.resize(75, ' ');
+  return line;
+}
+
 std::vector<std::string> readLines(const std::filesystem::path& path) {
   std::vector<std::string> lines;
   std::ifstream in(path, std::ios::binary);

@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+// The audit line as the host gives it for this system, 75 characters: the value of @AUDIT@.
+std::string auditLine();
+
 // The lines of a file, without their line ends.
 std::vector<std::string> readLines(const std::filesystem::path& path);
 

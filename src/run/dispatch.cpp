@@ -1,6 +1,5 @@
 #include "run/dispatch.h"
 
-#include <string>
 
 #include "analysis/analysis.h"
 #include "listings/blocklist.h"
@@ -8,8 +7,8 @@
 #include "model/work_array.h"
 #include "pictures/blockpic.h"
 #include "pictures/picture.h"
+#include "postsolution/engine.h"
 #include "postsolution/solution_step.h"
-#include "request/request_line.h"
 #include "run/request_loop.h"
 
 namespace {
@@ -29,21 +28,44 @@ void runOnRegions(RunContext& run) {
   Procedure(laidOut<procedureRow(P).phase>(run), run);
 }
 
-// The routine that runs each procedure, in table order; none for a procedure this build lacks.
+// The routine that runs each procedure, in table order.
 struct ProcedureRunner {
   Proc proc;
   void (*run)(RunContext&);
 };
+// ANALYSIS, then, at the first problems of the run, their display through DISPLAYCR: its
+// section is read from the analysis scratch file, and no solution is read.
+void runAnalysisAndShowProblems(RunContext& run) {
+  runOnRegions<Proc::Analysis, runAnalysis>(run);
+  if (run.analysisProblemsPending != 1) return;
+  const DisplayRegions regions = laidOut<Phase::Display>(run);
+  run.procIndex = static_cast<int32_t>(Proc::DisplayCR);
+  run.modelStatus = 0;
+  writeFree(run.statusChannel);
+  writeFree(run.logChannel);
+  writeLine(run.logChannel,
+            "(/,' #### Using DISPLAYCR to show ANALYSIS Problems',/,'       Note only the first 5 "
+            "problems found  under each',/,'         Error or warning type will be displayed up "
+            "to ',/,'         maximum of 200 variables or equations')");
+  writeLine(run.statusChannel,
+            "(' ----#### Using DISPLAYCR to show ANALYSIS Problems',/,'          Note only the "
+            "first 5 problems found  under each',/,'           Error or warning type will be "
+            "displayed up to ',/,'           maximum of 200 variables or equations')");
+  runPostSolutionEngine(regions, run);
+  writeFree(run.statusChannel);
+  run.analysisProblemsPending = 0;
+}
+
 constexpr std::array<ProcedureRunner, PROCEDURE_COUNT> kRunners = {{
-    {Proc::DisplayCR, nullptr},
-    {Proc::PostOpt, nullptr},
+    {Proc::DisplayCR, &runOnRegions<Proc::DisplayCR, runPostSolutionEngine>},
+    {Proc::PostOpt, &runOnRegions<Proc::PostOpt, runPostSolutionEngine>},
     {Proc::Picture, &runOnRegions<Proc::Picture, runPicture>},
     {Proc::BlockPic, &runOnRegions<Proc::BlockPic, runBlockPicture>},
-    {Proc::Analysis, &runOnRegions<Proc::Analysis, runAnalysis>},
+    {Proc::Analysis, &runAnalysisAndShowProblems},
     {Proc::BlockList, &runOnRegions<Proc::BlockList, runBlockList>},
     {Proc::MatchIt, &runOnRegions<Proc::MatchIt, runMatchIt>},
-    {Proc::NonOpt, nullptr},
-    {Proc::Advisory, nullptr},
+    {Proc::NonOpt, &runOnRegions<Proc::NonOpt, runPostSolutionEngine>},
+    {Proc::Advisory, &runOnRegions<Proc::Advisory, runPostSolutionEngine>},
 }};
 constexpr bool runnersInTableOrder() {
   for (size_t k = 0; k < kRunners.size(); ++k) {
@@ -52,43 +74,6 @@ constexpr bool runnersInTableOrder() {
   return true;
 }
 static_assert(runnersInTableOrder());
-
-// Passes over the lines of a procedure's section as its reader would: up to the next line
-// that is a procedure keyword, which is left in currentKeyword, or to the end of the input,
-// which leaves THEEND. Comments are kept for their echo; PW= lines set the width.
-void passOverSection(RunContext& run) {
-  std::string line;
-  std::string keyword(NAME_LEN, ' ');
-  while (run.requestChannel != nullptr) {
-    const LineRead r = readRequestFileLine(run.requestChannel, line, MAX_LINE);
-    if (r == LineRead::Error) {
-      writeFree(run.statusChannel, {"Error encountered reading MRK file"});
-      writeFree(run.logChannel, {"Error encountered reading MRK file"});
-    }
-    if (r != LineRead::Ok) break;
-    int32_t isComment = 0;
-    normalizeRequestLine(line, isComment, MAX_LINE, &run);
-    if (isComment > 0) continue;
-    keyword.assign(line, 0, NAME_LEN);
-    int32_t word = 0;
-    lookupKeyword(run, keyword, word, 2);
-    if (word > 0) {
-      run.currentKeyword = keyword;
-      return;
-    }
-  }
-  run.currentKeyword = "THEEND";
-  run.currentKeyword.resize(NAME_LEN, ' ');
-}
-
-// In place of a procedure that this build lacks: one line on the status file and the log; its
-// section is passed over.
-void unavailable(const ProcedureRow& row, RunContext& run) {
-  const std::string text = "**** " + std::string(row.keyword) + " is not available in this build";
-  writeFree(run.statusChannel, {text});
-  writeFree(run.logChannel, {text});
-  passOverSection(run);
-}
 
 }  // namespace
 
@@ -115,12 +100,7 @@ bool runProcedure(const ProcedureRow& row, RunContext& run) {
   if (row.titles == TitleLayout::BlankAfterTitles) writeFree(run.statusChannel);
   if (run.commentCount > 0) echoComments();
   if (row.titles == TitleLayout::BlankAfterComments) writeFree(run.statusChannel);
-  const ProcedureRunner& runner = kRunners[static_cast<size_t>(row.proc) - 1];
-  if (runner.run != nullptr) {
-    runner.run(run);
-  } else {
-    unavailable(row, run);
-  }
+  kRunners[static_cast<size_t>(row.proc) - 1].run(run);
   if (row.solutionStep) writeFree(run.statusChannel);
   return row.readsSection;
 }
