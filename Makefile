@@ -27,12 +27,16 @@ build: configure
 programs: configure
 	@cmake --build $(BUILD) -j $(JOBS) --target orva modrake
 
-# The transport model, then the same model with a flaw planted in it, whose listing is shown.
-# The logs are left out; the listings stay in $(DEMO). README.md, "Using it", reads the second.
+# The transport model; its solve with POSTOPT, whose listing is shown; then the same model with
+# a flaw planted in it, whose listing is shown too. The logs are left out; the listings stay in
+# $(DEMO). README.md, "Using it", reads the last.
 demo: programs
 	@mkdir -p $(DEMO)
 	@echo "== orva examples/transport/transport.mod: ANALYSIS, BLOCKPIC, BLOCKLIST, PICTURE, MATCHIT"
 	@$(BUILD)/orva examples/transport/transport.mod --listing $(DEMO)/transport.lst >/dev/null
+	@echo "== orva examples/transport/transport.mod --requests examples/transport/solved.mrk: POSTOPT after the solve"
+	@$(BUILD)/orva examples/transport/transport.mod --requests examples/transport/solved.mrk --listing $(DEMO)/solved.lst >/dev/null
+	@cat $(DEMO)/solved.lst
 	@echo "== orva examples/analysis/shipping.mod: ANALYSIS"
 	@$(BUILD)/orva examples/analysis/shipping.mod --listing $(DEMO)/shipping.lst >/dev/null
 	@cat $(DEMO)/shipping.lst
