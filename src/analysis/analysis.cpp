@@ -344,11 +344,12 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
 
   const double objFactor = rs.minimizing ? -1.0 : 1.0;
   int32_t objSign = 0;
+  const bool scaled = rs.useScale != 0;
   for (int32_t j = 1; j <= n; ++j) {
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(rs, j, r.colScale, j, r.colBoundTable, lower, upper);
-    walkColumn(model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nonlinear) {
+    walkColumn(model, j, m, r.colScale, r.rowScale, scaled, [&](int32_t i, double a, int32_t nonlinear) {
       if (nonlinear > 0) {
         r.rowSignTable(i, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;
         r.colSignTable(j, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;

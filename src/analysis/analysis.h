@@ -108,10 +108,12 @@ inline int32_t rowTypeSlot(int32_t rowType) {
 
 // Walks the entries of column j through the host, in the host's order, and hands each to
 // visit(row, coefficient, nonlinear) with the coefficient read as every procedure reads it:
-// the host's value / colScale[j] x rowScale[row]. An empty column gives nothing.
+// the host's value / colScale[j] x rowScale[row]. An empty column gives nothing. Unless
+// `scaled`, both factors are 1 and the host's value is the coefficient as it stands: the walk
+// then reads no row's factor, a load per entry at a row far from the last one.
 template <class Visit>
 void walkColumn(ovmHandle model, int32_t j, int32_t rowCount, Vec1<double> colScale,
-                Vec1<double> rowScale, Visit&& visit) {
+                Vec1<double> rowScale, bool scaled, Visit&& visit) {
   int32_t cursor = 0;
   do {
     double value = 0.0;
@@ -119,7 +121,7 @@ void walkColumn(ovmHandle model, int32_t j, int32_t rowCount, Vec1<double> colSc
     int32_t nonlinear = 0;
     ovmGetColJacInfoOne(model, j, cursor, value, row, nonlinear);
     if (row < 1 || row > rowCount) return;
-    visit(row, value / colScale[j] * rowScale[row], nonlinear);
+    visit(row, scaled ? value / colScale[j] * rowScale[row] : value, nonlinear);
   } while (cursor != 0);
 }
 

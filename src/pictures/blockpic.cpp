@@ -485,12 +485,13 @@ void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
     if (r < 0.0) ++w.blockPairCountB(e, rhs);
   }
 
+  const bool scaled = rs.useScale != 0;
   for (int32_t j = 1; j <= colCount; ++j) {
     const int32_t c = w.colBlockOf[j];
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(rs, j, w.colScale, c, w.blockColBoundTable, lower, upper);
-    walkColumn(model, j, rowCount, w.colScale, w.rowScale, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(model, j, rowCount, w.colScale, w.rowScale, scaled, [&](int32_t i, double a, int32_t nl) {
       const int32_t e = w.rowBlockOf[i];
       if (j == rs.objVar && rs.objRow == 0) rs.objRow = i;
       const double size = std::fabs(a);
