@@ -206,7 +206,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
         }
       }
     }
-    walkColumn(run.model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
       if (selected) walk.tally(a, nl > 0);
       if (listed) countEntry(c, a, nl > 0, true, i == run.objRow);
       r.rowFill[i] += 1;

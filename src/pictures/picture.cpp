@@ -357,7 +357,7 @@ void runPicture(const PictureRegions& r, RunContext& run) {
     r.colStart[j] = p;
     const ItemMatch col = matchVarRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &colMemo);
     if (col.directCode > 0) r.colStat[j] = 1;
-    walkColumn(run.model, j, m, r.colScale, r.rowScale, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
       if (p > r.colRowIndex.size()) return;
       r.colRowIndex[p] = nl > 0 ? -i : i;
       r.colCoef[p] = a;
