@@ -5,7 +5,7 @@
 # `install-deps.sh bench` adds glpk-utils, whose glpsol the benchmark runs beside orva.
 set -euo pipefail
 packages=(build-essential cmake libglpk-dev nlohmann-json3-dev libgtest-dev libgmock-dev
-          clang libclang-rt-dev)
+          libamplsolver-dev clang libclang-rt-dev)
 if [ "${1:-}" = bench ]; then packages+=(glpk-utils); fi
 missing=()
 for p in "${packages[@]}"; do

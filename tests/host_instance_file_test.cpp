@@ -76,8 +76,8 @@ TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {
   std::vector<Case> cases = {
       {"", "not an instance file of this host"},
       {"NAME x\nROWS\n", "not an instance file of this host"},
-      {bytes.substr(0, 8) + std::string("\x02\0\0\0", 4) + bytes.substr(12),
-       "instance file version 2, this host reads 1"},
+      {bytes.substr(0, 8) + std::string("\x03\0\0\0", 4) + bytes.substr(12),
+       "instance file version 3, this host reads 2"},
       {bytes + "x", "the instance file is damaged (its checksum does not match)"},
   };
   // Cut anywhere after the header, the file is short.

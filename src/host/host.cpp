@@ -14,6 +14,7 @@
 #include "host/control_file.h"
 #include "host/instance.h"
 #include "host/instance_file.h"
+#include "host/nl_evaluator.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
 
@@ -38,6 +39,8 @@ struct OveEvaluator {
   std::vector<int32_t> entryCol;
   std::vector<double> point;
   int32_t base = 1;
+  NlEvaluatorPtr nl;              // the .nl model's functions, when the instance names one
+  std::vector<double> gradient;   // one .nl row's derivatives, by .nl variable
 };
 
 struct OvmObject {
@@ -500,6 +503,15 @@ int oveInitJacLegacy(oveHandle, oveEvaluator& evaluator, ovmHandle model) {
   evaluator = &ev;
   ev.base = model->base;
   if (ev.inst == &in) return 0;  // built already for this instance
+  if (!in.nlFile.empty()) {
+    std::string error;
+    ev.nl = nlOpen(in.nlFile, error);
+    if (!ev.nl) {
+      model->lastError = error;
+      std::fprintf(stderr, "%s\n", error.c_str());
+      return 1;
+    }
+  }
   ev.inst = &in;
   const int32_t nz = hostNzCount(in);
   ev.rowStart.assign(static_cast<std::size_t>(in.rowCount) + 1, 0);
@@ -551,6 +563,22 @@ int oveEvalJacLegacy(oveHandle, oveEvaluator evaluator, int32_t row, const doubl
   const HostInstance& in = *evaluator->inst;
   const double* x = point != nullptr ? point : evaluator->point.data();
   const int32_t i = row - evaluator->base;
+  if (evaluator->nl) {
+    // The .nl item's derivatives; the objective variable keeps its -1.
+    std::vector<double>& g = evaluator->gradient;
+    if (!nlGradient(*evaluator->nl, in.rowNlItem[i], x, value, g)) {
+      errors = 1;
+      return 1;
+    }
+    const auto vars = static_cast<int32_t>(g.size());
+    for (int32_t p = evaluator->rowStart[i]; p < evaluator->rowStart[i + 1]; ++p) {
+      const int32_t k = evaluator->rowEntries[p];
+      const int32_t j = evaluator->entryCol[k];
+      if (j < vars) values[k] = g[j];
+      else value += in.entryValue[k] * x[j];
+    }
+    return 0;
+  }
   for (int32_t p = evaluator->rowStart[i]; p < evaluator->rowStart[i + 1]; ++p) {
     const int32_t k = evaluator->rowEntries[p];
     values[k] = in.entryValue[k];

@@ -107,6 +107,8 @@ bool hostCheckInstance(const HostInstance& inst, std::string& error) {
       inst.colStat.size() != n || inst.colCStat.size() != n || inst.colSymbol.size() != n ||
       inst.colUelStart.size() != n + 1 || inst.colStart.size() != n + 1)
     return bad("column vectors do not match the column count");
+  if (!inst.rowNlItem.empty() && inst.rowNlItem.size() != m)
+    return bad("the rows' .nl items do not match the row count");
   if (inst.colStart[0] != 0) return bad("first column does not start at entry 0");
   for (std::size_t j = 0; j < n; ++j)
     if (inst.colStart[j + 1] < inst.colStart[j]) return bad("column starts decrease");

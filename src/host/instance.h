@@ -93,6 +93,12 @@ struct HostInstance {
   std::vector<int32_t> colUelStart;
   std::vector<int32_t> colUels;
 
+  // A model read from an AMPL .nl file: the file whose expressions give the derivatives at a
+  // point, and for each row the .nl item behind it: constraint c as c (0-based), objective o
+  // as -1 - o. Empty for a model that holds its derivatives itself.
+  std::string nlFile;
+  std::vector<int32_t> rowNlItem;
+
   // Solution state.
   bool hasSolution = false;
   int32_t modelStat = kStatNoSolutionReturned;

@@ -144,6 +144,7 @@ void visitInstance(IO& io, Instance& in) {
   io(in.symbols); io(in.labels);
   io(in.rowSymbol); io(in.rowUelStart); io(in.rowUels);
   io(in.colSymbol); io(in.colUelStart); io(in.colUels);
+  io(in.nlFile); io(in.rowNlItem);
 }
 
 }  // namespace

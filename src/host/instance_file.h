@@ -14,7 +14,7 @@
 
 #include "host/instance.h"
 
-inline constexpr uint32_t kInstanceFileVersion = 1;
+inline constexpr uint32_t kInstanceFileVersion = 2;
 
 bool writeInstanceFile(const std::string& path, const HostInstance& instance, std::string& error);
 bool loadInstanceFile(const std::string& path, HostInstance& instance, std::string& error);

@@ -59,7 +59,8 @@ std::string modelReaderVersions() {
   return std::string("GLPK ") + glp_version() + " (MathProg and LP models, and the solve)\n" +
          "nlohmann-json " + std::to_string(NLOHMANN_JSON_VERSION_MAJOR) + "." +
          std::to_string(NLOHMANN_JSON_VERSION_MINOR) + "." +
-         std::to_string(NLOHMANN_JSON_VERSION_PATCH) + " (native instances, .json)\n";
+         std::to_string(NLOHMANN_JSON_VERSION_PATCH) + " (native instances, .json)\n" +
+         "AMPL solver library (.nl models: functions and derivatives)\n";
 }
 
 bool hostRegularFile(const std::string& path, const char* what, std::string& error) {
@@ -83,6 +84,8 @@ bool readByFormat(const ModelSource& source, HostInstance& instance, std::string
   switch (source.format) {
     case ModelFormat::Json:
       return readJsonModel(source.path, instance, error);
+    case ModelFormat::Nl:
+      return readNlModel(source.path, instance, error);
     case ModelFormat::FixedMps:
       return readMpsModel(source.path, true, source.symbols, instance, error, progress);
     case ModelFormat::Mps: {

@@ -13,6 +13,8 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
 bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
                   HostInstance& inst, std::string& error, const HostProgress& progress);
 // MathProg (with an optional data file), free or fixed MPS, or CPLEX LP, through GLPK.
+// AMPL .nl in its text form, with names from .row and .col files beside it when present.
+bool readNlModel(const std::string& path, HostInstance& inst, std::string& error);
 bool readGlpkModel(const ModelSource& source, HostInstance& inst, std::string& error);
 
 // The message of a model that GLPK refused, from GLPK's output: its first "FILE:LINE: what"

@@ -265,9 +265,6 @@ int orvaMain(const std::vector<std::string>& args) {
                 ": cannot tell the format from the extension (.json, .mod, .mps, .lp, .nl); "
                 "name it with --format");
   }
-  if (source.format == ModelFormat::Nl) {
-    return fail(cmd.modelPath + ": the .nl reader is not in this build");
-  }
   if (!exists(cmd.modelPath)) return fail(cmd.modelPath + ": no such model file");
   if (!cmd.dataPath.empty() && !exists(cmd.dataPath)) {
     return fail(cmd.dataPath + ": no such data file");
@@ -314,7 +311,13 @@ int orvaMain(const std::vector<std::string>& args) {
   if (userSolution) {
     if (!exists(cmd.solutionPath)) return fail(cmd.solutionPath + ": no such solution file");
     if (!hostRegularFile(cmd.solutionPath, "solution file", error)) return fail(error);
-    if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
+    if (!instance.nlFile.empty()) {
+      // A .nl model's solution is an AMPL .sol file, which carries no statuses.
+      if (!readNlSolutionFile(cmd.solutionPath, instance, solution, error)) return fail(error);
+      orvaConditionStatuses(instance, solution);
+    } else if (!readSolutionFile(cmd.solutionPath, instance, solution, error)) {
+      return fail(error);
+    }
     applySolution(instance, solution);
   }
   // Lines that modrake will pass over as no keyword: told now, and the run goes on.
@@ -439,6 +442,12 @@ int orvaMain(const std::vector<std::string>& args) {
   }
   files.instanceFile = scratch.dir + "orvainst." + ext;
   files.phaseFile = scratch.dir + "timings." + ext;
+  // A .nl model's functions come from its file: modrake reads the copy in the scratch folder.
+  if (!instance.nlFile.empty()) {
+    const std::string copy = scratch.dir + "orvamodel.nl";
+    if (!copyFile(instance.nlFile, copy, error)) return fail(error);
+    instance.nlFile = copy;
+  }
   if (!writeInstanceFile(files.instanceFile, instance, error)) return fail(error);
   clock.lap("handing over");
   if (!writeHostControlFile(controlFile, orvaHostOptions(files), error)) return fail(error);
