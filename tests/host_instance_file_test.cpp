@@ -87,7 +87,7 @@ TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {
   // A byte changed in a value is caught by the checksum; in the length of the first vector
   // (after the two names and the nine numbers), by the lengths no longer fitting the file.
   std::string changedValue = bytes;
-  changedValue[bytes.size() - 20] ^= 0x10;
+  changedValue[bytes.size() - 28] ^= 0x10;  // in the last column's labels
   cases.push_back({changedValue, "the instance file is damaged (its checksum does not match)"});
   std::string hugeLength = bytes;
   const std::size_t firstVector = 12 + 8 + sample().inputName.size() + 8 +

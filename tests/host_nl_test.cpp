@@ -1,0 +1,322 @@
+// AMPL .nl models: the structure and nonlinear marks read from the file, the derivatives at the
+// file's own point and at a .sol solution worked out by hand, the evaluator against finite
+// differences on every bundled .nl model, and the faults of .nl, .row/.col and .sol files.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+#include "host/host.h"
+#include "host/instance_file.h"
+#include "host/nl_evaluator.h"
+#include "host/readers.h"
+#include "host/solution_file.h"
+#include "host_test_files.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kBlend = std::string(SOURCE_DIR) + "/examples/nonlinear/blend";
+
+std::string fileText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+HostInstance readNl(const std::string& path) {
+  HostInstance inst;
+  std::string error;
+  ModelSource source;
+  source.path = path;
+  source.format = ModelFormat::Nl;
+  EXPECT_TRUE(readModel(source, inst, error)) << error;
+  return inst;
+}
+
+// Every entry as "column row value" with " nl" for a nonlinear mark, column by column, through
+// ovmGetColJacInfoOne.
+std::vector<std::string> entryWalk(const HostInstance& inst, const std::vector<double>* values) {
+  ovmHandle model = ovmCreateFromInstance(inst);
+  std::vector<std::string> out;
+  for (int32_t j = 1; j <= ovmN(model); ++j) {
+    int32_t cursor = 0, row = 0, nonlinear = 0;
+    double value = 0.0;
+    do {
+      ovmGetColJacInfoOne(model, j, cursor, value, row, nonlinear);
+      if (row < 1) break;
+      const auto k = static_cast<std::size_t>(out.size());
+      std::ostringstream line;
+      line << hostColName(inst, j - 1) << " " << hostRowName(inst, row - 1) << " "
+           << (values ? (*values)[k] : value) << (nonlinear > 0 ? " nl" : "");
+      out.push_back(line.str());
+    } while (cursor != 0);
+  }
+  ovmFree(model);
+  return out;
+}
+
+// The matrix re-evaluated at `point` through the four evaluator operations, as MODRAKE walks
+// them: the stored values, then every nonlinear row's derivatives written at their places.
+bool evaluateAt(ovmHandle model, const std::vector<double>& point, std::vector<double>& values) {
+  const HostInstance& inst = ovmInstance(model);
+  values = inst.entryValue;
+  oveEvaluator ev = nullptr;
+  if (oveInitJacLegacy(nullptr, ev, model) != 0) return false;
+  if (oveEvalNewPointLegacy(nullptr, ev, point.data()) != 0) return false;
+  for (int32_t row = oveNextNLLegacy(nullptr, ev, ovmM(model) + 1); row != -1;
+       row = oveNextNLLegacy(nullptr, ev, row)) {
+    double value = 0.0;
+    int32_t errors = 0, extra = 0;
+    if (oveEvalJacLegacy(nullptr, ev, row, point.data(), value, values.data(), errors, extra) != 0 ||
+        errors > 0)
+      return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TEST(NlModel, RowsColumnsAndDerivativesAtTheFilesPointWorkedOutByHand) {
+  const HostInstance inst = readNl(kBlend + ".nl");
+  // The file's point is x[1] = 1, x[2] = 3 and y = 0 (not given). cost = x1^2 + x2^2 + 3y,
+  // band = x1 x2 + y in [4, 8], curve = log(x1) + x2 >= 1, cap = x1 + x2 + y <= 10.
+  const std::vector<std::string> expected = {
+      "x(1) cost 2 nl", "x(1) band_lo 3 nl", "x(1) band_up 3 nl", "x(1) curve 1 nl",
+      "x(1) cap 1",     "x(2) cost 6 nl",    "x(2) band_lo 1 nl", "x(2) band_up 1 nl",
+      "x(2) curve 1",   "x(2) cap 1",        "y cost 3",          "y band_lo 1",
+      "y band_up 1",    "y cap 1",           "objvar cost -1"};
+  EXPECT_EQ(entryWalk(inst, nullptr), expected);
+  EXPECT_EQ(hostNonlinearCount(inst), 7);
+  EXPECT_EQ(inst.rowType, (std::vector<int32_t>{kRowE, kRowG, kRowL, kRowG, kRowL}));
+  EXPECT_EQ(inst.rowRhs, (std::vector<double>{0, 4, 8, 1, 10}));
+  EXPECT_EQ(inst.colLower, (std::vector<double>{0, 0, 0, -kHostInf}));
+  EXPECT_EQ(inst.colUpper, (std::vector<double>{kHostInf, kHostInf, 5, kHostInf}));
+  EXPECT_EQ(inst.objVar, 4);
+  EXPECT_EQ(inst.objRow, 1);
+  EXPECT_TRUE(inst.minimizing);
+  EXPECT_EQ(inst.rowNlItem, (std::vector<int32_t>{-1, 0, 0, 1, 2}));
+}
+
+TEST(NlModel, WithoutRowAndColFilesNamesFollowTheFilesGroups) {
+  HostScratch scratch;
+  const std::string path = scratch.write("blend.nl", fileText(kBlend + ".nl"));
+  const HostInstance inst = readNl(path);
+  std::vector<std::string> rows, cols;
+  for (int32_t i = 0; i < inst.rowCount; ++i) rows.push_back(hostRowName(inst, i));
+  for (int32_t j = 0; j < inst.colCount; ++j) cols.push_back(hostColName(inst, j));
+  // Nonlinear constraints nc, linear c, objectives o; nonlinear variables nv, linear v.
+  EXPECT_EQ(rows, (std::vector<std::string>{"o(1)", "nc_lo(1)", "nc_up(1)", "nc(2)", "c(3)"}));
+  EXPECT_EQ(cols, (std::vector<std::string>{"nv(1)", "nv(2)", "v(3)", "objvar"}));
+}
+
+TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
+  // orva hands the model and the solution over; the evaluator reads the copy of the .nl file
+  // in the scratch folder.
+  HostScratch scratch;
+  const std::string command = std::string(ORVA_BIN) + " " + kBlend + ".nl --solution " + kBlend +
+                              ".sol --no-solve --keep-scratch " + scratch.path("run") +
+                              " --listing " + scratch.path("blend.lst") + " >/dev/null 2>&1";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  HostInstance inst;
+  std::string error;
+  ASSERT_TRUE(loadInstanceFile(scratch.path("run/orvainst.scr"), inst, error)) << error;
+  EXPECT_EQ(inst.nlFile, scratch.path("run/") + "orvamodel.nl");
+  // At x = (2, 2, 0): cost 8; band 4 binds below with dual 2; y's reduced cost 3 - 2 = 1.
+  EXPECT_EQ(inst.modelStat, kStatLocallyOptimal);
+  EXPECT_EQ(inst.solveStat, 1);
+  EXPECT_EQ(inst.colLevel, (std::vector<double>{2, 2, 0, 8}));
+  EXPECT_EQ(inst.colMarginal, (std::vector<double>{0, 0, 1, 0}));
+  EXPECT_EQ(inst.colStat, (std::vector<int32_t>{2, 2, 0, 2}));
+  EXPECT_EQ(inst.rowMarginal, (std::vector<double>{-1, 2, 0, 0, 0}));
+  EXPECT_EQ(inst.rowLevel, (std::vector<double>{0, 4, 4, std::log(2.0) + 2, 4}));
+  EXPECT_EQ(inst.rowStat, (std::vector<int32_t>{0, 0, 2, 2, 2}));
+  EXPECT_EQ(inst.rowCStat, (std::vector<int32_t>{0, 0, 0, 0, 0}));
+
+  ovmHandle model = ovmCreateFromInstance(inst);
+  std::vector<double> values;
+  ASSERT_TRUE(evaluateAt(model, inst.colLevel, values));
+  const std::vector<std::string> expected = {
+      "x(1) cost 4 nl", "x(1) band_lo 2 nl", "x(1) band_up 2 nl", "x(1) curve 0.5 nl",
+      "x(1) cap 1",     "x(2) cost 4 nl",    "x(2) band_lo 2 nl", "x(2) band_up 2 nl",
+      "x(2) curve 1",   "x(2) cap 1",        "y cost 3",          "y band_lo 1",
+      "y band_up 1",    "y cap 1",           "objvar cost -1"};
+  EXPECT_EQ(entryWalk(inst, &values), expected);
+
+  // log(x[1]) at x[1] = -1: the row fails, and the library prints nothing.
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  oveEvaluator ev = nullptr;
+  ASSERT_EQ(oveInitJacLegacy(nullptr, ev, model), 0);
+  const std::vector<double> outside = {-1, 2, 0, 0};
+  double value = 0.0;
+  int32_t errors = 0, extra = 0;
+  const int curve = 4;
+  EXPECT_NE(oveEvalJacLegacy(nullptr, ev, curve, outside.data(), value, values.data(), errors, extra), 0);
+  EXPECT_GT(errors, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  ovmFree(model);
+}
+
+TEST(NlModel, EvaluatorAgreesWithFiniteDifferencesOnEveryBundledModel) {
+  int models = 0, derivatives = 0;
+  for (const auto& file : fs::recursive_directory_iterator(std::string(SOURCE_DIR) + "/examples")) {
+    if (file.path().extension() != ".nl") continue;
+    SCOPED_TRACE(file.path().string());
+    ++models;
+    const HostInstance inst = readNl(file.path().string());
+    ovmHandle model = ovmCreateFromInstance(inst);
+    oveEvaluator ev = nullptr;
+    ASSERT_EQ(oveInitJacLegacy(nullptr, ev, model), 0);
+    const int32_t vars = inst.colCount - (inst.objVar > 0 ? 1 : 0);
+    // Two points inside the domain of every bundled model (all values above 0).
+    std::vector<double> start(static_cast<std::size_t>(inst.colCount)), values;
+    for (int32_t j = 0; j < inst.colCount; ++j) start[j] = 1.0 + 0.5 * j;
+    std::vector<double> scratch(inst.entryValue);
+    for (double shift : {0.0, 0.75}) {
+      std::vector<double> point(start);
+      for (double& p : point) p += shift;
+      ASSERT_TRUE(evaluateAt(model, point, values));
+      for (int32_t row = oveNextNLLegacy(nullptr, ev, inst.rowCount + 1); row != -1;
+           row = oveNextNLLegacy(nullptr, ev, row)) {
+        for (int32_t j = 0; j < vars; ++j)
+          for (int32_t k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
+            if (inst.entryRow[k] != row - 1) continue;
+            const double h = 1e-6 * std::max(1.0, std::fabs(point[j]));
+            double up = 0.0, down = 0.0;
+            int32_t errors = 0, extra = 0;
+            std::vector<double> p(point);
+            p[j] = point[j] + h;
+            oveEvalJacLegacy(nullptr, ev, row, p.data(), up, scratch.data(), errors, extra);
+            p[j] = point[j] - h;
+            oveEvalJacLegacy(nullptr, ev, row, p.data(), down, scratch.data(), errors, extra);
+            ++derivatives;
+            EXPECT_NEAR((up - down) / (2 * h), values[k], 1e-6 * std::max(1.0, std::fabs(values[k])))
+                << "row " << hostRowName(inst, row - 1) << ", column " << hostColName(inst, j);
+          }
+      }
+    }
+    ovmFree(model);
+  }
+  EXPECT_GT(models, 0);
+  EXPECT_GT(derivatives, 4 * models);
+}
+
+TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
+  // Each case changes the bundled model's files: line L of the .nl replaced (or the file cut
+  // after line L when the text is "cut"), or a .row, .col or .sol file of its own.
+  struct Case {
+    const char* what;
+    int line;
+    std::string text;
+    std::string file;  // "nl", "row", "col" or "sol"
+    std::string message;  // after "DIR/m."
+  };
+  const std::vector<Case> cases = {
+      {"binary form", 1, "b3 1 1 0", "nl",
+       "nl:1: the binary form of .nl is not read by this host; write the text form"},
+      {"no .nl file", 1, "NAME blend", "nl", "nl:1: not an AMPL .nl file (its first line begins with g)"},
+      {"header with words", 2, " three 3 1 1 0", "nl",
+       "nl:2: expected the counts of variables, constraints, objectives, ranges and equations"},
+      {"unknown operator", 16, "o79", "nl", "nl:16: operator o79 is not read by this host"},
+      {"variable past the last", 17, "v9", "nl",
+       "nl:17: variable v9 is neither a variable nor defined before"},
+      {"bound code", 33, "7 1", "nl", "nl:33: expected a bound code from 0 to 4 and its values"},
+      {"cut inside a segment", 50, "cut", "nl",
+       "nl:50: the file ends before the end of the segment that begins on line 49"},
+      {"cut between segments", 45, "cut", "nl",
+       "nl: the header gives 8 Jacobian and 3 gradient entries, the file 3 and 0 (is it cut "
+       "short?)"},
+      {"too few row names", 0, "band\ncurve\n", "row", "row: 2 names, the model needs 3 or 4"},
+      {"too many column names", 0, "a\nb\nc\nd\n", "col", "col: 4 names, the model needs 3"},
+      {"a name with a blank", 0, "x[1]\nx 2\ny\n", "col", "col:2: a name with a blank in it"},
+      {"solution of a model with 4 constraints", 0,
+       "msg\n\nOptions\n3\n1\n1\n0\n4\n4\n3\n3\n", "sol",
+       "sol:8: the solution has 4 constraints, the model 3"},
+      {"solution of a model with 4 variables", 0,
+       "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n4\n4\n", "sol",
+       "sol:10: the solution has 4 variables, the model 3"},
+      {"solution cut short", 0, "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n3\n3\n2\n0\n0\n2\n2\n0\n",
+       "sol", "sol: the file ends before the line \"objno\" with the solve result code"},
+      {"a word among the values", 0, "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n3\n3\n2\nzero\n", "sol",
+       "sol:13: expected a dual value, not \"zero\""},
+  };
+  const std::string nl = fileText(kBlend + ".nl");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    HostScratch scratch;
+    std::string text;
+    if (c.file == "nl") {
+      std::istringstream in(nl);
+      int n = 0;
+      for (std::string line; std::getline(in, line);) {
+        if (++n == c.line) {
+          if (c.text == "cut") {
+            text += line + "\n";
+            break;
+          }
+          line = c.text;
+        }
+        text += line + "\n";
+      }
+    } else {
+      text = nl;
+      scratch.write("m." + c.file, c.text);
+      if (c.file == "sol") scratch.write("m.col", fileText(kBlend + ".col"));
+    }
+    const std::string path = scratch.write("m.nl", text);
+    HostInstance inst;
+    std::string error;
+    ModelSource source;
+    source.path = path;
+    source.format = ModelFormat::Nl;
+    const bool read = readModel(source, inst, error);
+    if (c.file == "sol") {
+      ASSERT_TRUE(read) << error;
+      HostSolution solution;
+      EXPECT_FALSE(readNlSolutionFile(scratch.path("m.sol"), inst, solution, error));
+    } else {
+      EXPECT_FALSE(read);
+    }
+    EXPECT_EQ(error, scratch.path("m.") + c.message);
+  }
+}
+
+TEST(NlModel, TheLibrarysOwnExitAndMessagesStayInTheChild) {
+  // A file that the library cannot read: it would print and end the process.
+  HostScratch scratch;
+  const std::string path = scratch.write("junk.nl", "g3 1 1 0\n 1 1\n");
+  std::vector<NlAnswer> answers;
+  std::string error;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(nlEvaluateInChild(path, {0.0}, {{0, {0}}}, answers, error));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(error.rfind(path + ": the AMPL solver library could not read the model", 0), 0u) << error;
+}
+
+TEST(NlModel, SolveResultCodesBecomeModelAndSolveStatus) {
+  struct Case {
+    int32_t code;
+    bool nonlinear;
+    int32_t model, solve;
+  };
+  const Case cases[] = {
+      {0, true, kStatLocallyOptimal, 1},      {0, false, kStatOptimal, 1},
+      {99, true, kStatLocallyOptimal, 1},     {150, true, kStatIntermediateNonoptimal, 1},
+      {200, true, kStatLocallyInfeasible, 1}, {250, false, kStatInfeasible, 1},
+      {300, true, kStatUnbounded, 1},         {410, true, kStatIntermediateNonoptimal, 3},
+      {520, true, kStatErrorNoSolution, 4},   {600, true, kStatErrorUnknown, 4},
+      {-1, false, kStatErrorUnknown, 4},
+  };
+  for (const Case& c : cases) {
+    int32_t solve = 0;
+    EXPECT_EQ(nlModelStatus(c.code, c.nonlinear, solve), c.model) << c.code;
+    EXPECT_EQ(solve, c.solve) << c.code;
+  }
+}
