@@ -3,6 +3,7 @@
 // differences on every bundled .nl model, and the faults of .nl, .row/.col and .sol files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <sstream>
@@ -160,6 +161,39 @@ TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   ovmFree(model);
+}
+
+TEST(NlModel, BlocklistOfTheBundledModelCountsNonlinearEntriesAtTheFilesPoint) {
+  HostScratch scratch;
+  const std::string listing = scratch.path("blend.lst");
+  const std::string command = "cd " + scratch.dir.string() + " && " + ORVA_BIN + " " + kBlend +
+                              ".nl --solution " + kBlend + ".sol --listing " + listing +
+                              " >/dev/null 2>&1";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  std::vector<std::string> lines;
+  std::istringstream in(fileText(listing));
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  // The derivatives at x = (1, 3, 0): cost (2, 6, 3, -1), band (3, 1, 1), curve (1, 1).
+  const std::vector<std::vector<std::string>> blocks = {
+      {" Variable         Sign  Numb Numb Pos  Neg  Nonl  Maximum    Minimum",
+       "   Block          Res   Vars Nonl Coef Coef Coef  Absolute   Absolute",
+       " x                >=0     2    2   10    0    7       3.0000     1.0000",
+       " y                >=0     1    0    4    0    0       1.0000     1.0000",
+       " objvar           <0>     1    0    0    1    0       0.0000     0.0000"},
+      {" Equation         Type  Numb Numb Pos  Neg  Nonl Pos  Neg  Maximum    Minimum",
+       "   Block          Res   Eqns Nonl Coef Coef Coef RHS  RHS  Absolute   Absolute",
+       " cost             =E=     1    1    3    1    2    0    0      6.0000     2.0000",
+       " band_lo          =G=     1    1    3    0    2    1    0      3.0000     1.0000",
+       " band_up          =L=     1    1    3    0    2    1    0      3.0000     1.0000",
+       " curve            =G=     1    1    2    0    1    1    0      1.0000     1.0000",
+       " cap              =L=     1    0    3    0    0    1    0      1.0000     1.0000"}};
+  for (const auto& block : blocks) {
+    const auto head = std::find(lines.begin(), lines.end(), block[0]);
+    ASSERT_NE(head, lines.end()) << block[0];
+    const auto size = std::min<std::ptrdiff_t>(lines.end() - head, std::ssize(block));
+    const std::vector<std::string> found(head, head + size);
+    EXPECT_EQ(found, block);
+  }
 }
 
 TEST(NlModel, EvaluatorAgreesWithFiniteDifferencesOnEveryBundledModel) {

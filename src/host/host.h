@@ -94,9 +94,10 @@ void ovmUnloadSolutionLegacy(ovmHandle model);
 const HostInstance& ovmInstance(ovmHandle model);
 
 // ---- Jacobian at a point --------------------------------------------------------------------
-// A native instance holds the derivatives of its entries but no expressions, so the evaluator
-// gives the stored derivatives at any point. `point` holds one value per column and `values`
-// one per entry of the matrix in column order, both from element 0.
+// A model read from a .nl file is evaluated by the AMPL solver library over the file its
+// instance names; any other model holds the derivatives of its entries but no expressions, so
+// the stored derivatives are given at any point. `point` holds one value per column and
+// `values` one per entry of the matrix in column order, both from element 0.
 int oveInitJacLegacy(oveHandle environment, oveEvaluator& evaluator, ovmHandle model);
 int oveEvalNewPointLegacy(oveHandle environment, oveEvaluator evaluator, const double* point);
 // Next nonlinear row after `row`: rowCount + 1 to begin, -1 at the end.
