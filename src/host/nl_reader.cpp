@@ -75,6 +75,7 @@ class NlText {
     error = path_ + ":" + std::to_string(number_) + ": the file ends before " + std::string(what);
     return false;
   }
+  std::size_t size() const { return text_.size(); }
   std::string at(const Line& line) const { return path_ + ":" + std::to_string(line.number) + ": "; }
 
  private:
@@ -129,10 +130,11 @@ class NlReader {
                std::vector<long>& out, const char* what);
   bool header();
   bool expression(std::vector<int32_t>& vars, bool& single, double& constant);
-  bool linearLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out);
+  // `count` lines "index number" of the segment begun on `head` (J, G and V terms, x, d and
+  // suffix values), each index below `limit`.
+  bool pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out);
   bool boundLines(const Line& head, long count, std::vector<int>& code, std::vector<double>& lo,
                   std::vector<double>& up, bool rows);
-  bool valueLines(const Line& head, long count, int32_t limit, std::vector<double>* into);
   bool build();
   bool readNames(const std::string& file, std::size_t least, std::size_t most,
                  std::vector<std::string>& names, bool& present);
@@ -226,8 +228,12 @@ bool NlReader::header() {
       defined_ = v[0] + v[1] + v[2] + v[3] + v[4];
     }
   }
-  if (nVar_ > 100000000 || nCon_ > 100000000 || nObj_ > 100000000 || defined_ > 100000000) {
-    error_ = path_ + ": the counts of the header are too large";
+  // Every variable and constraint takes a line of its bounds, every objective and defined
+  // variable a segment: counts beyond the file's size are a damaged header.
+  const auto bytes = static_cast<long>(in_.size());
+  if (nVar_ > bytes || nCon_ > bytes || nObj_ > bytes || defined_ > bytes) {
+    error_ = path_ + ": the counts of the header are more than a file of " +
+             std::to_string(bytes) + " bytes can hold";
     return false;
   }
   const auto m = static_cast<std::size_t>(nCon_), o = static_cast<std::size_t>(nObj_);
@@ -304,7 +310,7 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
   return true;
 }
 
-bool NlReader::linearLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out) {
+bool NlReader::pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out) {
   Line l;
   std::vector<double> v;
   for (long k = 0; k < count; ++k) {
@@ -312,7 +318,7 @@ bool NlReader::linearLines(const Line& head, long count, int32_t limit, std::vec
       return false;
     if (!splitNumbers(l.text, v) || v.size() != 2 || !wholeNumber(v[0]) || v[0] < 0 ||
         v[0] >= limit || !std::isfinite(v[1]))
-      return fail(l, "expected a variable number below " + std::to_string(limit) + " and a coefficient");
+      return fail(l, "expected an index below " + std::to_string(limit) + " and a number");
     out.push_back({static_cast<int32_t>(v[0]), v[1]});
   }
   return true;
@@ -349,19 +355,6 @@ bool NlReader::boundLines(const Line& head, long count, std::vector<int>& code,
 }
 
 // Lines "index value" (x, d and suffix segments); into `into` when given.
-bool NlReader::valueLines(const Line& head, long count, int32_t limit, std::vector<double>* into) {
-  Line l;
-  std::vector<double> v;
-  for (long k = 0; k < count; ++k) {
-    if (!in_.need(l, "the end of the segment that begins on line " + std::to_string(head.number), error_))
-      return false;
-    if (!splitNumbers(l.text, v) || v.size() != 2 || !wholeNumber(v[0]) || v[0] < 0 ||
-        v[0] >= limit || std::isnan(v[1]))
-      return fail(l, "expected an index below " + std::to_string(limit) + " and a value");
-    if (into != nullptr) (*into)[static_cast<std::size_t>(v[0])] = v[1];
-  }
-  return true;
-}
 
 bool NlReader::read() {
   if (!header()) return false;
@@ -404,7 +397,7 @@ bool NlReader::read() {
         if (v[0] != nVar_ + definedSeen || definedSeen >= defined_)
           return fail(l, "defined variable v" + std::to_string(v[0]) + " out of its order or count");
         std::vector<Linear> linear;
-        if (!linearLines(l, v[1], vars, linear)) return false;
+        if (!pairLines(l, v[1], vars, linear)) return false;
         std::vector<int32_t> inner;
         if (!expression(inner, single, constant)) return false;
         ++stampNow_;
@@ -427,7 +420,7 @@ bool NlReader::read() {
                                                           std::to_string(v[0]) + " does not exist");
         auto& target = con ? conLinear_[static_cast<std::size_t>(v[0])] : objLinear_[static_cast<std::size_t>(v[0])];
         if (!target.empty()) return fail(l, std::string(1, kind) + std::to_string(v[0]) + " given twice");
-        if (!linearLines(l, v[1], vars, target)) return false;
+        if (!pairLines(l, v[1], vars, target)) return false;
         (con ? jCount : gCount) += v[1];
         break;
       }
@@ -439,9 +432,11 @@ bool NlReader::read() {
         break;
       case 'x': case 'd': {
         if (!numbers(l, rest, 1, 1, v, kind == 'x' ? "x and a count" : "d and a count")) return false;
-        if (!valueLines(l, v[0], static_cast<int32_t>(kind == 'x' ? nVar_ : nCon_),
-                        kind == 'x' ? &x0_ : nullptr))
+        std::vector<Linear> values;
+        if (!pairLines(l, v[0], static_cast<int32_t>(kind == 'x' ? nVar_ : nCon_), values))
           return false;
+        if (kind == 'x')
+          for (const Linear& t : values) x0_[static_cast<std::size_t>(t.var)] = t.coef;
         break;
       }
       case 'k': {
@@ -465,7 +460,8 @@ bool NlReader::read() {
           return fail(l, "expected S, a suffix kind, a count and a name");
         const int target = static_cast<int>(s[0]) & 3;
         const long limit = target == 0 ? nVar_ : target == 1 ? nCon_ : target == 2 ? nObj_ : 1;
-        if (!valueLines(l, static_cast<long>(s[1]), static_cast<int32_t>(limit), nullptr)) return false;
+        std::vector<Linear> values;
+        if (!pairLines(l, static_cast<long>(s[1]), static_cast<int32_t>(limit), values)) return false;
         break;
       }
       case 'F':
@@ -649,20 +645,17 @@ bool NlReader::build() {
     const double shift = conConstant_[c];
     const double lo = conLo_[c] - shift, up = conUp_[c] - shift;
     const auto item = static_cast<int32_t>(c);
-    switch (conCode_[c]) {
-      case 1: addRow(parsed, kRowL, up, item, conLinear_[c], conVars_[c], requestOf[c]); break;
-      case 2: addRow(parsed, kRowG, lo, item, conLinear_[c], conVars_[c], requestOf[c]); break;
-      case 3: addRow(parsed, kRowN, 0.0, item, conLinear_[c], conVars_[c], requestOf[c]); break;
-      case 4: addRow(parsed, kRowE, lo, item, conLinear_[c], conVars_[c], requestOf[c]); break;
-      default:
-        if (lo == up) {
-          addRow(parsed, kRowE, lo, item, conLinear_[c], conVars_[c], requestOf[c]);
-        } else {
-          addRow(hostMakeName(parsed.symbol + "_lo", parsed.labels), kRowG, lo, item,
-                 conLinear_[c], conVars_[c], requestOf[c]);
-          addRow(hostMakeName(parsed.symbol + "_up", parsed.labels), kRowL, up, item,
-                 conLinear_[c], conVars_[c], requestOf[c]);
-        }
+    // The row type follows the bounds, so that an infinite bound of any code means none.
+    const auto add = [&](const HostName& rowName, int32_t type, double rhs) {
+      addRow(rowName, type, rhs, item, conLinear_[c], conVars_[c], requestOf[c]);
+    };
+    if (!std::isfinite(lo) && !std::isfinite(up)) add(parsed, kRowN, 0.0);
+    else if (lo == up) add(parsed, kRowE, lo);
+    else if (!std::isfinite(lo)) add(parsed, kRowL, up);
+    else if (!std::isfinite(up)) add(parsed, kRowG, lo);
+    else {
+      add(hostMakeName(parsed.symbol + "_lo", parsed.labels), kRowG, lo);
+      add(hostMakeName(parsed.symbol + "_up", parsed.labels), kRowL, up);
     }
   }
   if (o > 0) {
