@@ -268,6 +268,8 @@ TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
       {"too few row names", 0, "band\ncurve\n", "row", "row: 2 names, the model needs 3 or 4"},
       {"too many column names", 0, "a\nb\nc\nd\n", "col", "col: 4 names, the model needs 3"},
       {"a name with a blank", 0, "x[1]\nx 2\ny\n", "col", "col:2: a name with a blank in it"},
+      {"a control character", 0, "x[1]\nx\x01\ny\n", "col",
+       "col:2: the name \"x\\x01\" holds a control character (code 1)"},
       {"solution of a model with 4 constraints", 0,
        "msg\n\nOptions\n3\n1\n1\n0\n4\n4\n3\n3\n", "sol",
        "sol:8: the solution has 4 constraints, the model 3"},

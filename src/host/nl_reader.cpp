@@ -523,6 +523,10 @@ bool NlReader::readNames(const std::string& file, std::size_t least, std::size_t
                (line.empty() ? "an empty name" : "a name with a blank in it");
       return false;
     }
+    if (const std::string fault = hostNameFault(line); !fault.empty()) {
+      error_ = file + ":" + std::to_string(number) + ": " + fault;
+      return false;
+    }
     names.push_back(std::move(line));
   }
   if (names.size() < least || names.size() > most) {

@@ -104,10 +104,6 @@ bool readByFormat(const ModelSource& source, HostInstance& instance, std::string
 
 bool readModel(const ModelSource& source, HostInstance& instance, std::string& error,
                const HostProgress& progress) {
-  if (source.format == ModelFormat::Nl) {
-    error = source.path + ": AMPL nonlinear (.nl) models cannot be read by this host";
-    return false;
-  }
   if (!hostRegularFile(source.path, "model file", error)) return false;
   if (!source.dataPath.empty() && !hostRegularFile(source.dataPath, "data file", error))
     return false;
