@@ -22,14 +22,6 @@ struct OrvaRun {
   Lines scratch;  // the analysis scratch file
 };
 
-Lines readLines(const std::filesystem::path& path) {
-  std::ifstream in(path);
-  Lines lines;
-  std::string line;
-  while (std::getline(in, line)) lines.push_back(line);
-  return lines;
-}
-
 // Runs orva on examples/analysis/<model>.mod and its request file ANALYSIS, at page width 80.
 OrvaRun runModel(const std::string& model) {
   namespace fs = std::filesystem;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "golden.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -17,31 +19,10 @@ namespace {
 const std::string kPlant = std::string(SOURCE_DIR) + "/examples/blocks/plant.mod";
 const std::string kPlantRequests = std::string(SOURCE_DIR) + "/examples/blocks/plant.mrk";
 
-std::string quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-fs::path freshDir(const std::string& name) {
-  fs::path dir =
-      fs::path(testing::TempDir()) / ("blocks_orva_" + name + "_" + std::to_string(getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  return dir;
-}
-
-std::vector<std::string> readLines(const fs::path& path) {
-  std::ifstream in(path);
-  std::vector<std::string> lines;
-  for (std::string l; std::getline(in, l);) lines.push_back(l);
-  return lines;
-}
-
 // Runs orva in `dir` at page width 80 and returns its exit status; the listing is list.lst.
 int runOrva(const fs::path& dir, const std::string& model, const std::string& extra) {
-  const std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN) + " " +
-                          quote(model) + " --no-solve --page-width 80 --listing list.lst " +
+  const std::string cmd = "cd " + shellQuote(dir.string()) + " && " + shellQuote(ORVA_BIN) + " " +
+                          shellQuote(model) + " --no-solve --page-width 80 --listing list.lst " +
                           extra + " >run.out 2>run.err";
   const int raw = std::system(cmd.c_str());
   return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
@@ -88,7 +69,7 @@ const std::vector<std::string> kPlantPicture = {
 
 TEST(BlockPicThroughOrva, PlantPictureListsAndFindings) {
   const fs::path dir = freshDir("plant");
-  ASSERT_EQ(runOrva(dir, kPlant, "--requests " + quote(kPlantRequests)), 0);
+  ASSERT_EQ(runOrva(dir, kPlant, "--requests " + shellQuote(kPlantRequests)), 0);
   const std::vector<std::string> lst = readLines(dir / "list.lst");
   EXPECT_TRUE(containsBlock(lst, kPlantPicture));
   EXPECT_EQ(count(lst, "### B. Number of Coefficients by Block -- Strip   1"), 1u);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis_fixture.h"
+#include "golden.h"
 #include "model/blocks.h"
 
 using analysis_test::INF;
@@ -100,14 +101,6 @@ TEST(BlockTables, ExactlyAtCapacityStillHasRoomForRhs) {
   EXPECT_EQ(t.col(2), name31("RHS"));
   EXPECT_EQ(t.colCount, (std::vector<int32_t>{2}));
   EXPECT_EQ(t.rowUsed, 1);
-}
-
-std::vector<std::string> readLines(const std::string& path) {
-  std::ifstream in(path);
-  std::vector<std::string> lines;
-  std::string line;
-  while (std::getline(in, line)) lines.push_back(line);
-  return lines;
 }
 
 // Runs buildBlockTables with the given capacities in a child process whose status and log

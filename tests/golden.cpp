@@ -1,6 +1,10 @@
 #include "golden.h"
 
+#include <gtest/gtest.h>
+#include <unistd.h>
+
 #include <fstream>
+#include <sstream>
 
 #include "host/host.h"
 
@@ -21,6 +25,27 @@ std::vector<std::string> readLines(const std::filesystem::path& path) {
   std::string line;
   while (std::getline(in, line)) lines.push_back(line);
   return lines;
+}
+
+std::string readFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::string shellQuote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+std::filesystem::path freshDir(const std::string& name) {
+  const std::filesystem::path dir = std::filesystem::path(testing::TempDir()) /
+                                    ("modrake_" + name + "_" + std::to_string(getpid()));
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir;
 }
 
 ::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,

@@ -1,4 +1,5 @@
-// Whole expected listings, written by hand, as text files under tests/golden/.
+// Whole expected listings, written by hand, as text files under tests/golden/; and the files and
+// folders the tests read and run in.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,6 +14,15 @@ std::string auditLine();
 
 // The lines of a file, without their line ends.
 std::vector<std::string> readLines(const std::filesystem::path& path);
+
+// The whole text of a file.
+std::string readFile(const std::filesystem::path& path);
+
+// `s` quoted for the shell.
+std::string shellQuote(const std::string& s);
+
+// An empty folder of this process and this name under the test's temporary folder.
+std::filesystem::path freshDir(const std::string& name);
 
 // Compares `lines` with the golden file tests/golden/NAME line for line, after each @KEY@ of the
 // file is replaced by its value in `vars`; a failure names the first line that differs. With

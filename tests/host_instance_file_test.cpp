@@ -9,14 +9,10 @@
 #include "host/instance_file.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
+#include "golden.h"
 #include "host_test_files.h"
 
 namespace {
-
-std::string bytesOf(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // A model with a dictionary, quotes, scale factors and a solution: every kind of field.
 HostInstance sample() {
@@ -51,7 +47,7 @@ TEST(InstanceFile, WhatGoesInComesBack) {
   ASSERT_TRUE(loadInstanceFile(first, back, error)) << error;
   // Written again, the file is the same to the byte: no field was lost or changed.
   ASSERT_TRUE(writeInstanceFile(second, back, error)) << error;
-  EXPECT_EQ(bytesOf(first), bytesOf(second));
+  EXPECT_EQ(readFile(first), readFile(second));
   ASSERT_EQ(back.rowCount, in.rowCount);
   for (int32_t i = 0; i < in.rowCount; ++i) EXPECT_EQ(hostRowName(back, i), hostRowName(in, i));
   EXPECT_EQ(back.rowScale, in.rowScale);
@@ -68,7 +64,7 @@ TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {
   std::string error;
   const std::string good = scratch.path("good.ins");
   ASSERT_TRUE(writeInstanceFile(good, sample(), error)) << error;
-  const std::string bytes = bytesOf(good);
+  const std::string bytes = readFile(good);
   struct Case {
     std::string text;
     std::string reason;

@@ -8,6 +8,7 @@
 #include "host/host.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
+#include "golden.h"
 #include "host_test_files.h"
 
 namespace {
@@ -28,13 +29,6 @@ HostInstance threeByFour() {
   in.objRow = 3;
   in.minimizing = false;
   return in;
-}
-
-std::string fileText(const std::string& path) {
-  std::ifstream in(path);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
 }
 
 TEST(HostModel, SizesSenseAndInfinities) {
@@ -277,7 +271,7 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   // Statuses handed back land in the scratch folder.
   ovmSolveStatSet(m, 1);
   ovmModelStatSet(m, 14);
-  EXPECT_EQ(fileText(dir + "ovmstat.scr"), "solveStat 1\nmodelStat 14\n");
+  EXPECT_EQ(readFile(dir + "ovmstat.scr"), "solveStat 1\nmodelStat 14\n");
   EXPECT_EQ(ovmModelStat(m), 14);
   ovdFree(d);
   ovmFree(m);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "orva/options.h"
 
 namespace {
@@ -123,9 +124,7 @@ TEST(OrvaControlRecords, FileFromOptionTextCarriesEveryValue) {
   const std::string path = tempPath("orva_records.scr");
   std::string error;
   ASSERT_TRUE(orvaWriteControlRecords(path, o, error)) << error;
-  std::ifstream in(path);
-  std::vector<std::string> lines;
-  for (std::string l; std::getline(in, l);) lines.push_back(l);
+  const std::vector<std::string> lines = readLines(path);
   std::remove(path.c_str());
   ASSERT_EQ(lines.size(), 8u);
   // Record 4 is the variable limit, record 5 the equation limit.
