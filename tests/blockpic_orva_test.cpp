@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "golden.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 
@@ -21,8 +22,8 @@ const std::string kPlantRequests = std::string(SOURCE_DIR) + "/examples/blocks/p
 
 // Runs orva in `dir` at page width 80 and returns its exit status; the listing is list.lst.
 int runOrva(const fs::path& dir, const std::string& model, const std::string& extra) {
-  const std::string cmd = "cd " + shellQuote(dir.string()) + " && " + shellQuote(ORVA_BIN) + " " +
-                          shellQuote(model) + " --no-solve --page-width 80 --listing list.lst " +
+  const std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN) + " " +
+                          quote(model) + " --no-solve --page-width 80 --listing list.lst " +
                           extra + " >run.out 2>run.err";
   const int raw = std::system(cmd.c_str());
   return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
@@ -69,7 +70,7 @@ const std::vector<std::string> kPlantPicture = {
 
 TEST(BlockPicThroughOrva, PlantPictureListsAndFindings) {
   const fs::path dir = freshDir("plant");
-  ASSERT_EQ(runOrva(dir, kPlant, "--requests " + shellQuote(kPlantRequests)), 0);
+  ASSERT_EQ(runOrva(dir, kPlant, "--requests " + quote(kPlantRequests)), 0);
   const std::vector<std::string> lst = readLines(dir / "list.lst");
   EXPECT_TRUE(containsBlock(lst, kPlantPicture));
   EXPECT_EQ(count(lst, "### B. Number of Coefficients by Block -- Strip   1"), 1u);

@@ -1,8 +1,5 @@
 #include "golden.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <fstream>
 #include <sstream>
 
@@ -32,20 +29,6 @@ std::string readFile(const std::filesystem::path& path) {
   std::ostringstream s;
   s << in.rdbuf();
   return s.str();
-}
-
-std::string shellQuote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-std::filesystem::path freshDir(const std::string& name) {
-  const std::filesystem::path dir = std::filesystem::path(testing::TempDir()) /
-                                    ("modrake_" + name + "_" + std::to_string(getpid()));
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  return dir;
 }
 
 ::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,

@@ -1,5 +1,5 @@
-// Whole expected listings, written by hand, as text files under tests/golden/; and the files and
-// folders the tests read and run in.
+// Whole expected listings, written by hand, as text files under tests/golden/, and the reading
+// of files for the tests.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,12 +17,6 @@ std::vector<std::string> readLines(const std::filesystem::path& path);
 
 // The whole text of a file.
 std::string readFile(const std::filesystem::path& path);
-
-// `s` quoted for the shell.
-std::string shellQuote(const std::string& s);
-
-// An empty folder of this process and this name under the test's temporary folder.
-std::filesystem::path freshDir(const std::string& name);
 
 // Compares `lines` with the golden file tests/golden/NAME line for line, after each @KEY@ of the
 // file is replaced by its value in `vars`; a failure names the first line that differs. With

@@ -8,22 +8,15 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "golden.h"
 
 struct RunResult {
   int status = -1;
   std::string out, err;
 };
-
-inline std::string readFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 inline std::string quote(const std::string& s) {
   std::string q = "'";

@@ -1,0 +1,9 @@
+NameStaFile = @SCR@transport.sta
+NameWrkDir = @SOURCE@/examples/transport/
+NameScrDir = @SCR@
+NameScrExt = scr
+PageWidth = 130
+PageSize = 60
+InstanceFile = @SCR@orvainst.scr
+PhaseFile = @SCR@timings.scr
+InputName = transport
