@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "golden.h"
 #include "orva/listing.h"
 #include "orva/requests.h"
 
@@ -19,34 +20,11 @@ std::string tempPath(const std::string& name) {
 }
 
 TEST(OrvaListing, HostRecordsAreActedOn) {
-  const std::vector<std::string> status = {
-      "",
-      " #### Executing MODRAKE 1.3 Body",
-      "=1",
-      "   ##################################",
-      "",
-      "----#### Executing BLOCKPIC ",
-      "=L#### MODRAKE BLOCKPIC ",
-      " a report line   with  inner blanks  ",
-      "=CBad return code from ovdLoadEx: ",
-      "=Cno dictionary",
-      "=2",
-  };
+  const std::vector<std::string> status =
+      readLines(std::string(SOURCE_DIR) + "/tests/data/orva/host-records.sta");
+  ASSERT_EQ(status.size(), 11u);
   std::vector<std::string> terminal;
-  const std::vector<std::string> listing = orvaListingLines(status, terminal);
-  const std::vector<std::string> expected = {
-      "",
-      " #### Executing MODRAKE 1.3 Body",
-      "   ##################################",
-      "",
-      "----#### Executing BLOCKPIC ",
-      " #### MODRAKE BLOCKPIC",
-      " =====================",
-      " a report line   with  inner blanks  ",
-      " Bad return code from ovdLoadEx:",
-      " no dictionary",
-  };
-  EXPECT_EQ(listing, expected);
+  EXPECT_TRUE(matchesGolden(orvaListingLines(status, terminal), "orva/host-records.listing"));
   const std::vector<std::string> expectedTerminal = {"Bad return code from ovdLoadEx:",
                                                      "no dictionary"};
   EXPECT_EQ(terminal, expectedTerminal);
@@ -100,9 +78,7 @@ TEST(OrvaListing, WrittenWholeFromTheFiles) {
   EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 1, 4, out, terminal, error)) << error;
   std::fclose(out);
   std::fclose(terminal);
-  std::ifstream in(listingPath);
-  std::vector<std::string> lines;
-  for (std::string l; std::getline(in, l);) lines.push_back(l);
+  std::vector<std::string> lines = readLines(listingPath);
   const std::vector<std::string> expected = {
       " first", " #### MODRAKE PICTURE", " ====================", "",
       " Solve status     1  normal completion", " Model status     1  optimal"};
@@ -115,9 +91,7 @@ TEST(OrvaListing, WrittenWholeFromTheFiles) {
   EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 3, 8, out, terminal, error)) << error;
   std::fclose(out);
   std::fclose(terminal);
-  lines.clear();
-  std::ifstream again(listingPath);
-  for (std::string l; std::getline(again, l);) lines.push_back(l);
+  lines = readLines(listingPath);
   const std::vector<std::string> handed = {
       " first", " #### MODRAKE PICTURE", " ====================", "",
       " Solve status     3  resource interrupt", " Model status     8  integer solution"};
