@@ -36,7 +36,18 @@ struct Builder {
     inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
     return ++inst.colCount;
   }
+  // The objective variable z, free, with -1 in row `obj`, which becomes the objective row.
+  void objective(int obj) {
+    inst.objVar = col(-inf, inf, {{obj, -1.0}});
+    inst.objRow = obj;
+  }
 };
+
+HostSolution solve(const HostInstance& inst) {
+  HostSolution s;
+  orvaSolveInstance(inst, {}, s);
+  return s;
+}
 
 // Checks the reduced-cost identity for every column and that each row level is the activity.
 void expectAccountsClose(const HostInstance& inst, const HostSolution& sol) {
@@ -110,11 +121,9 @@ TEST(OrvaSolveLp, MinimizationWorkedByHand) {
   int obj = b.row(kRowE, 0.0), cover = b.row(kRowG, 2.0), cap = b.row(kRowL, 1.5);
   b.col(0, inf, {{obj, 1.0}, {cover, 1.0}, {cap, 1.0}});
   b.col(0, inf, {{obj, 2.0}, {cover, 1.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
+  b.objective(obj);
   ASSERT_EQ(orvaUnsolvableReason(b.inst), "");
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_EQ(s.solveStat, kSolveNormal);
   EXPECT_NEAR(s.colLevel[0], 1.5, 1e-9);
@@ -136,11 +145,9 @@ TEST(OrvaSolveLp, MaximizationWithVariableAtUpperBound) {
   int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 4.0), r2 = b.row(kRowL, 7.0);
   b.col(0, 3, {{obj, 3.0}, {r1, 1.0}, {r2, 1.0}});
   b.col(0, inf, {{obj, 2.0}, {r1, 1.0}, {r2, 3.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
+  b.objective(obj);
   b.inst.minimizing = false;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_NEAR(s.colLevel[0], 3.0, 1e-9);
   EXPECT_NEAR(s.colLevel[1], 1.0, 1e-9);
@@ -161,10 +168,8 @@ TEST(OrvaSolveLp, InfeasibleModelShowsItsInfeasibleItems) {
   int obj = b.row(kRowE, 0.0), need = b.row(kRowG, 5.0);
   b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
   b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  b.objective(obj);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatInfeasible);
   EXPECT_GE(count(s.rowCStat, 2) + count(s.colCStat, 2), 1);
 }
@@ -177,10 +182,8 @@ TEST(OrvaSolveLp, UnboundedModelMarksTheRayAndWhatItDrives) {
   b.col(0, inf, {{obj, -1.0}, {link, 1.0}});
   b.col(0, inf, {{link, -1.0}});
   b.col(0, 1, {{obj, -1.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  b.objective(obj);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatUnbounded);
   EXPECT_EQ(s.colCStat[0], 3);
   EXPECT_EQ(s.colCStat[1], 3);
@@ -193,10 +196,8 @@ TEST(OrvaSolveLp, CrossedBoundsAreInfeasibleWithoutASolve) {
   Builder b;
   int obj = b.row(kRowE, 0.0);
   b.col(2, 1, {{obj, 1.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  b.objective(obj);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatInfeasible);
   EXPECT_EQ(s.colLevel[0], 2.0);
   EXPECT_EQ(s.colCStat[0], 2);
@@ -209,11 +210,9 @@ TEST(OrvaSolveMip, IntegerOptimumFixedForMarginals) {
   int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 24.0), r2 = b.row(kRowL, 6.0);
   b.col(0, inf, {{obj, 5.0}, {r1, 6.0}, {r2, 1.0}}, kVarInteger);
   b.col(0, inf, {{obj, 4.0}, {r1, 4.0}, {r2, 2.0}}, kVarInteger);
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
+  b.objective(obj);
   b.inst.minimizing = false;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_EQ(s.colLevel[0], 4.0);
   EXPECT_EQ(s.colLevel[1], 0.0);
@@ -231,10 +230,8 @@ TEST(OrvaSolveMip, IntegerInfeasible) {
   Builder b;
   int obj = b.row(kRowE, 0.0), half = b.row(kRowE, 1.0);
   b.col(0, 10, {{obj, 1.0}, {half, 2.0}}, kVarInteger);
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-  b.inst.objRow = obj;
-  HostSolution s;
-  orvaSolveInstance(b.inst, {}, s);
+  b.objective(obj);
+  const HostSolution s = solve(b.inst);
   EXPECT_EQ(s.modelStat, kStatIntegerInfeasible);
 }
 
@@ -243,8 +240,7 @@ TEST(OrvaSolve, UnsolvableInstancesAreNamed) {
     Builder b;
     int obj = b.row(kRowE, 0.0);
     b.col(0, 1, {{obj, 1.0}});
-    b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
-    b.inst.objRow = obj;
+    b.objective(obj);
     return b;
   };
   Builder sos = base();
@@ -331,8 +327,7 @@ TEST(OrvaSolveNetlib, PublishedOptimaAndClosedAccounts) {
     ASSERT_TRUE(readModel(src, inst, error)) << error;
     ASSERT_GT(inst.objVar, 0);
     ASSERT_EQ(orvaUnsolvableReason(inst), "");
-    HostSolution s;
-    orvaSolveInstance(inst, {}, s);
+    const HostSolution s = solve(inst);
     ASSERT_EQ(s.modelStat, kStatOptimal);
     EXPECT_NEAR(s.colLevel[inst.objVar - 1], c.optimum, 1e-9 * std::fabs(c.optimum) + 1e-6);
     expectAccountsClose(inst, s);
@@ -342,27 +337,19 @@ TEST(OrvaSolveNetlib, PublishedOptimaAndClosedAccounts) {
   }
 }
 
-// The row of an instance by its symbol and labels, 0-based; -1 when there is none.
-int findRow(const HostInstance& inst, const std::string& symbol, std::vector<std::string> labels) {
-  for (int i = 0; i < inst.rowCount; ++i) {
-    if (inst.symbols[inst.rowSymbol[i] - 1].name != symbol) continue;
+// The row (or column) of an instance by its symbol and labels, 0-based; -1 when there is none.
+int findItem(const HostInstance& inst, bool row, const std::string& symbol,
+             const std::vector<std::string>& labels) {
+  const auto& symbolOf = row ? inst.rowSymbol : inst.colSymbol;
+  const auto& uelStart = row ? inst.rowUelStart : inst.colUelStart;
+  const auto& uels = row ? inst.rowUels : inst.colUels;
+  for (int i = 0; i < (row ? inst.rowCount : inst.colCount); ++i) {
+    if (inst.symbols[symbolOf[i] - 1].name != symbol) continue;
     std::vector<std::string> have;
-    for (int k = inst.rowUelStart[i]; k < inst.rowUelStart[i + 1]; ++k) {
-      have.push_back(inst.labels[inst.rowUels[k] - 1].text);
+    for (int k = uelStart[i]; k < uelStart[i + 1]; ++k) {
+      have.push_back(inst.labels[uels[k] - 1].text);
     }
     if (have == labels) return i;
-  }
-  return -1;
-}
-
-int findCol(const HostInstance& inst, const std::string& symbol, std::vector<std::string> labels) {
-  for (int j = 0; j < inst.colCount; ++j) {
-    if (inst.symbols[inst.colSymbol[j] - 1].name != symbol) continue;
-    std::vector<std::string> have;
-    for (int k = inst.colUelStart[j]; k < inst.colUelStart[j + 1]; ++k) {
-      have.push_back(inst.labels[inst.colUels[k] - 1].text);
-    }
-    if (have == labels) return j;
   }
   return -1;
 }
@@ -374,19 +361,18 @@ TEST(OrvaSolveMathProg, TransportDualsAsWorkedByHand) {
   HostInstance inst;
   std::string error;
   ASSERT_TRUE(readModel(src, inst, error)) << error;
-  HostSolution s;
-  orvaSolveInstance(inst, {}, s);
+  const HostSolution s = solve(inst);
   ASSERT_EQ(s.modelStat, kStatOptimal);
   EXPECT_NEAR(s.colLevel[inst.objVar - 1], 153.675, 1e-9);
   expectAccountsClose(inst, s);
   // Cost per case is 90 * distance / 1000. The shipments seattle: new-york 50, chicago 300;
   // san-diego: new-york 275, topeka 275 leave san-diego's capacity slack, so the demand
   // marginals are the costs of the cells that serve them.
-  const int ny = findRow(inst, "meetDemand", {"new-york"});
-  const int ch = findRow(inst, "meetDemand", {"chicago"});
-  const int tp = findRow(inst, "meetDemand", {"topeka"});
-  const int sea = findRow(inst, "capacity", {"seattle"});
-  const int sd = findRow(inst, "capacity", {"san-diego"});
+  const int ny = findItem(inst, true, "meetDemand", {"new-york"});
+  const int ch = findItem(inst, true, "meetDemand", {"chicago"});
+  const int tp = findItem(inst, true, "meetDemand", {"topeka"});
+  const int sea = findItem(inst, true, "capacity", {"seattle"});
+  const int sd = findItem(inst, true, "capacity", {"san-diego"});
   ASSERT_TRUE(ny >= 0 && ch >= 0 && tp >= 0 && sea >= 0 && sd >= 0);
   EXPECT_NEAR(s.rowMarginal[ny], 0.225, 1e-9);
   EXPECT_NEAR(s.rowMarginal[ch], 0.153, 1e-9);
@@ -395,8 +381,8 @@ TEST(OrvaSolveMathProg, TransportDualsAsWorkedByHand) {
   EXPECT_NEAR(s.rowMarginal[sd], 0.0, 1e-9);
   EXPECT_NEAR(s.rowLevel[sd], 550.0, 1e-9);
   EXPECT_EQ(s.rowStat[sd], 2);
-  const int seaTp = findCol(inst, "ship", {"seattle", "topeka"});
-  const int sdCh = findCol(inst, "ship", {"san-diego", "chicago"});
+  const int seaTp = findItem(inst, false, "ship", {"seattle", "topeka"});
+  const int sdCh = findItem(inst, false, "ship", {"san-diego", "chicago"});
   ASSERT_TRUE(seaTp >= 0 && sdCh >= 0);
   EXPECT_NEAR(s.colMarginal[seaTp], 0.162 - 0.126, 1e-9);
   EXPECT_NEAR(s.colMarginal[sdCh], 0.162 - 0.153, 1e-9);
