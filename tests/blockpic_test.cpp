@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "analysis_fixture.h"
@@ -267,62 +268,47 @@ TEST(BlockPicTables, ScalingOfTheWorkedExample) {
 
 // ---- strips ---------------------------------------------------------------------------------
 
-TEST(BlockStrips, ColumnsPerStripAtWidth50) {
+// The first and last column of strip k of a table of nC columns at width 50.
+std::pair<int32_t, int32_t> strip50(char table, int32_t nC, int32_t k) {
   int32_t first = 0, last = 0;
-  blockStripColumns('A', 100, 50, 1, first, last);
-  EXPECT_EQ(last - first + 1, 10);
-  blockStripColumns('B', 100, 50, 1, first, last);
-  EXPECT_EQ(last - first + 1, 5);
-  blockStripColumns('C', 100, 50, 1, first, last);
-  EXPECT_EQ(last - first + 1, 4);
-  blockStripColumns('D', 100, 50, 1, first, last);
-  EXPECT_EQ(last - first + 1, 3);
+  blockStripColumns(table, nC, 50, k, first, last);
+  return {first, last};
+}
+
+TEST(BlockStrips, ColumnsPerStripAtWidth50) {
+  EXPECT_EQ(strip50('A', 100, 1), std::make_pair(1, 10));
+  EXPECT_EQ(strip50('B', 100, 1), std::make_pair(1, 5));
+  EXPECT_EQ(strip50('C', 100, 1), std::make_pair(1, 4));
+  EXPECT_EQ(strip50('D', 100, 1), std::make_pair(1, 3));
 }
 
 TEST(BlockStrips, OneLessRuleKeepsTheTitleColumnsWithABlock) {
-  int32_t first = 0, last = 0;
   // Table A at width 50 holds 10 columns a strip. With nC = 9 the RHS column would end the
   // first strip exactly: it moves on, alone.
   EXPECT_EQ(blockStripCount('A', 9, 50), 2);
-  blockStripColumns('A', 9, 50, 1, first, last);
-  EXPECT_EQ(first, 1);
-  EXPECT_EQ(last, 9);
-  blockStripColumns('A', 9, 50, 2, first, last);
-  EXPECT_EQ(first, 10);
-  EXPECT_EQ(last, 10);
+  EXPECT_EQ(strip50('A', 9, 1), std::make_pair(1, 9));
+  EXPECT_EQ(strip50('A', 9, 2), std::make_pair(10, 10));
   // With nC = 8 all nine columns fit one strip.
   EXPECT_EQ(blockStripCount('A', 8, 50), 1);
-  blockStripColumns('A', 8, 50, 1, first, last);
-  EXPECT_EQ(last, 9);
+  EXPECT_EQ(strip50('A', 8, 1), std::make_pair(1, 9));
   // nC = 19: columns 1..10, 11..19, then the RHS alone (20 is an exact multiple).
   EXPECT_EQ(blockStripCount('A', 19, 50), 3);
-  blockStripColumns('A', 19, 50, 2, first, last);
-  EXPECT_EQ(first, 11);
-  EXPECT_EQ(last, 19);
-  blockStripColumns('A', 19, 50, 3, first, last);
-  EXPECT_EQ(first, 20);
-  EXPECT_EQ(last, 20);
+  EXPECT_EQ(strip50('A', 19, 2), std::make_pair(11, 19));
+  EXPECT_EQ(strip50('A', 19, 3), std::make_pair(20, 20));
 
   // Table B at width 50 holds 5 a strip; nC = 3: "Coeff Cnts" (column 5) may not end a
   // strip, so the last strip has it with "# of  Eqns".
   EXPECT_EQ(blockStripCount('B', 3, 50), 2);
-  blockStripColumns('B', 3, 50, 1, first, last);
-  EXPECT_EQ(last, 4);
-  blockStripColumns('B', 3, 50, 2, first, last);
-  EXPECT_EQ(first, 5);
-  EXPECT_EQ(last, 6);
+  EXPECT_EQ(strip50('B', 3, 1), std::make_pair(1, 4));
+  EXPECT_EQ(strip50('B', 3, 2), std::make_pair(5, 6));
   // nC = 2: the five columns fill one strip.
   EXPECT_EQ(blockStripCount('B', 2, 50), 1);
-  blockStripColumns('B', 2, 50, 1, first, last);
-  EXPECT_EQ(first, 1);
-  EXPECT_EQ(last, 5);
+  EXPECT_EQ(strip50('B', 2, 1), std::make_pair(1, 5));
 
   // Table D: one strip as long as all columns fit.
   EXPECT_EQ(blockStripCount('D', 1, 50), 1);
   EXPECT_EQ(blockStripCount('D', 2, 50), 2);
-  blockStripColumns('D', 2, 50, 2, first, last);
-  EXPECT_EQ(first, 4);
-  EXPECT_EQ(last, 4);
+  EXPECT_EQ(strip50('D', 2, 2), std::make_pair(4, 4));
 }
 
 TEST(BlockStrips, WidthHeldToTheHostRange) {
