@@ -69,11 +69,11 @@ TEST(MatchRequests, ElementPositionsAndSymbols) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.item.symbol + " of dimension " + std::to_string(c.item.dim()));
-    l.col.spec.fill(0);
+    l.col.selSpec.fill(0);
     const ItemMatch m = matchVarRequests(c.item.name(), l, SCOPE_ALL, 0, PROC_DISPLAYCR, nullptr);
     std::vector<int32_t> found;
     for (int32_t k = 1; k <= l.varCount; ++k) {
-      if (l.col.spec(k, SPEC_FOUND) == 1) found.push_back(k);
+      if (l.col.selSpec(k, SPEC_FOUND) == 1) found.push_back(k);
     }
     EXPECT_EQ(found, c.found);
     EXPECT_EQ(m.selected, 1);
@@ -89,17 +89,17 @@ TEST(MatchRequests, ScopesAndCodes) {
   const Item item{"S", {"A"}};
   SymbolMemo memo;
   for (SymbolMemo* m : {static_cast<SymbolMemo*>(nullptr), &memo}) {
-    l.row.spec.fill(0);
-    l.row.spec(1, SPEC_DIRECT) = 3;
-    l.row.spec(2, SPEC_CROSS) = 1;
+    l.row.selSpec.fill(0);
+    l.row.selSpec(1, SPEC_DIRECT) = 3;
+    l.row.selSpec(2, SPEC_CROSS) = 1;
     const ItemMatch all = matchEquRequests(item.name(), l, SCOPE_ALL, 0, PROC_POSTOPT, m);
     EXPECT_EQ((std::vector<int32_t>{all.selected, all.directCode, all.crossCode}),
               (std::vector<int32_t>{1, 3, 1}));
-    EXPECT_EQ(l.row.spec(2, SPEC_FOUND), 1);
-    l.row.spec(2, SPEC_FOUND) = 0;
+    EXPECT_EQ(l.row.selSpec(2, SPEC_FOUND), 1);
+    l.row.selSpec(2, SPEC_FOUND) = 0;
     const ItemMatch first = matchEquRequests(item.name(), l, SCOPE_FIRST, 0, PROC_POSTOPT, m);
     EXPECT_EQ(first.crossCode, 0);
-    EXPECT_EQ(l.row.spec(2, SPEC_FOUND), 0);
+    EXPECT_EQ(l.row.selSpec(2, SPEC_FOUND), 0);
     const ItemMatch one = matchEquRequests(item.name(), l, SCOPE_ONE, 3, PROC_POSTOPT, m);
     EXPECT_EQ(one.selected, 0);
     const ItemMatch other =
@@ -158,7 +158,7 @@ TEST_F(ResolveRequests, MarksRowsAndTellsWhatMetNothing) {
   EXPECT_EQ(resolve(s, PROC_PICTURE), (std::vector<int32_t>{0, 3, 0}));
   EXPECT_TRUE(matchesGolden(s.log, "requests/unmet-requests.log"));
   EXPECT_TRUE(matchesGolden(s.status, "requests/unmet-requests.status"));
-  EXPECT_EQ(s.tables.lists.col.spec(1, SPEC_FOUND), 1);
+  EXPECT_EQ(s.tables.lists.col.selSpec(1, SPEC_FOUND), 1);
 }
 
 // Without equation requests every row counts beyond POSTOPT; the supplied request that meets

@@ -51,8 +51,8 @@ inline std::string request(const SelectionSide& side, int32_t k) {
     const std::string l = trim(side.label(k, p));
     out += "|" + (l.empty() ? std::string("_") : l);
   }
-  return out + "|" + std::to_string(side.spec(k, SPEC_DIRECT)) + "|" +
-         std::to_string(side.spec(k, SPEC_CROSS));
+  return out + "|" + std::to_string(side.selSpec(k, SPEC_DIRECT)) + "|" +
+         std::to_string(side.selSpec(k, SPEC_CROSS));
 }
 
 // One section read from `lines` under procedure `procIndex`.

@@ -86,9 +86,9 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
   for (int32_t k = first; k <= last; ++k) {
     if (!symbolMeets(side, count, k, item, memo)) continue;
     if (item.dim != 0 && !labelsMeet(side, k, item)) continue;
-    side.spec(k, SPEC_FOUND) = 1;
-    if (side.spec(k, SPEC_DIRECT) > 0) m.directCode = side.spec(k, SPEC_DIRECT);
-    if (side.spec(k, SPEC_CROSS) > 0) m.crossCode = side.spec(k, SPEC_CROSS);
+    side.selSpec(k, SPEC_FOUND) = 1;
+    if (side.selSpec(k, SPEC_DIRECT) > 0) m.directCode = side.selSpec(k, SPEC_DIRECT);
+    if (side.selSpec(k, SPEC_CROSS) > 0) m.crossCode = side.selSpec(k, SPEC_CROSS);
     m.selected = 1;
     if (stopAtFirst) return m;
   }
@@ -104,7 +104,7 @@ constexpr std::string_view kHint =
 void reportUnmet(const SelectionContext& context, const SelectionSide& side, int32_t count,
                  std::string_view notFound, bool& hintGiven) {
   for (int32_t k = 1; k <= count; ++k) {
-    if (side.spec(k, SPEC_FOUND) >= 1) continue;
+    if (side.selSpec(k, SPEC_FOUND) >= 1) continue;
     const std::string_view raw = side.raw.view(k);
     const std::string_view first = raw.substr(0, kName);
     const int32_t code = isKnownRequestWord(first);

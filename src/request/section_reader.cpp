@@ -105,9 +105,9 @@ void supplyRequest(const SelectionSide& side, int32_t k, std::string_view symbol
   side.symbol.set(k, symbol);
   starLabels(side, k);
   side.dim[k] = 0;
-  for (int32_t s = 1; s <= SPEC_SLOTS; ++s) side.spec(k, s) = 0;
-  side.spec(k, SPEC_DIRECT) = direct;
-  side.spec(k, SPEC_CROSS) = cross;
+  for (int32_t s = 1; s <= SPEC_SLOTS; ++s) side.selSpec(k, s) = 0;
+  side.selSpec(k, SPEC_DIRECT) = direct;
+  side.selSpec(k, SPEC_CROSS) = cross;
 }
 
 // Supplies the one request of a side (its count becomes 1), when the side has room for it.
@@ -130,9 +130,9 @@ void supplyNoway(const SelectionSide& side, int32_t& count, int32_t filter) {
 bool promoteCross(const SelectionSide& side, int32_t count) {
   bool directWasZero = false;
   for (int32_t k = 1; k <= count; ++k) {
-    if (side.spec(k, SPEC_CROSS) > 0) {
-      if (side.spec(k, SPEC_DIRECT) == 0) directWasZero = true;
-      side.spec(k, SPEC_DIRECT) = side.spec(k, SPEC_CROSS);
+    if (side.selSpec(k, SPEC_CROSS) > 0) {
+      if (side.selSpec(k, SPEC_DIRECT) == 0) directWasZero = true;
+      side.selSpec(k, SPEC_DIRECT) = side.selSpec(k, SPEC_CROSS);
     }
   }
   return directWasZero;
@@ -251,8 +251,8 @@ bool storeRequest(const SectionContext& context, SectionState& state, RequestLis
   }
   splitRequest(line, side, k);
   const int32_t filter = variables ? flags.varFilter : flags.equFilter;
-  for (int32_t s = 1; s <= SPEC_SLOTS; ++s) side.spec(k, s) = 0;
-  side.spec(k, state.requestMode == REQUEST_DIRECT ? SPEC_DIRECT : SPEC_CROSS) = filter;
+  for (int32_t s = 1; s <= SPEC_SLOTS; ++s) side.selSpec(k, s) = 0;
+  side.selSpec(k, state.requestMode == REQUEST_DIRECT ? SPEC_DIRECT : SPEC_CROSS) = filter;
   if (variables) {
     count = k;
     if (k + 1 > side.capacity) {
@@ -407,7 +407,7 @@ void readRequestSection(const SectionContext& context, RequestLists& lists, Requ
     if (source != nullptr) std::rewind(source);
   }
   for (const SelectionSide* side : {&lists.col, &lists.row}) {
-    side->spec.fill(0);
+    side->selSpec.fill(0);
     side->dim.fill(0);
     if (side->capacity >= 1) side->raw.set(1, "");
   }

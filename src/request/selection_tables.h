@@ -38,14 +38,14 @@ inline constexpr std::string_view NOWAY_TEXT = "noway&";
 
 // The requests of one side. Request k (1..capacity): raw line, symbol pattern, element
 // patterns 1..MAX_SYMBOL_DIM of NAME_LEN characters each, number of positions given, and the
-// slots of spec(k, SPEC_...).
+// slots of selSpec(k, SPEC_...).
 struct SelectionSide {
   int32_t capacity = 0;
   TextTable raw;         // capacity x MAX_LINE
   TextTable symbol;      // capacity x NAME_LEN
   TextTable labels;      // capacity x LABELS_LEN
   Vec1<int32_t> dim;     // capacity
-  Table2<int32_t> spec;  // capacity x SPEC_SLOTS
+  Table2<int32_t> selSpec;  // capacity x SPEC_SLOTS
 
   std::string_view label(int32_t k, int32_t p) const {
     return labels.view(k).substr(static_cast<size_t>((p - 1) * NAME_LEN),
