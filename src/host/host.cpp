@@ -281,9 +281,8 @@ int ovmLoadDataLegacy(ovmHandle model, std::string& message) {
     oveHandle env;
     ~PhaseEnd() { hostPhaseEnd(env); }
   } phaseEnd{model->environment};
-  // An instance handed over in binary form: the model's own file is not opened.
-  if (const std::string* handed = findOption(env, kOptInstanceFile); handed && !handed->empty()) {
-    if (!loadInstanceFile(*handed, *inst, error)) return fail(error);
+  // The control file's input name and solution file go with the instance, whatever read it.
+  auto adopt = [&] {
     if (const std::string* name = findOption(env, kOptInputName); name && !name->empty())
       inst->inputName = *name;
     const std::string* solution = findOption(env, kOptSolutionFile);
@@ -291,6 +290,11 @@ int ovmLoadDataLegacy(ovmHandle model, std::string& message) {
     adoptInstance(model, std::move(inst));
     message.clear();
     return 0;
+  };
+  // An instance handed over in binary form: the model's own file is not opened.
+  if (const std::string* handed = findOption(env, kOptInstanceFile); handed && !handed->empty()) {
+    if (!loadInstanceFile(*handed, *inst, error)) return fail(error);
+    return adopt();
   }
   ModelSource source;
   const std::string* file = findOption(env, kOptModelFile);
@@ -310,13 +314,7 @@ int ovmLoadDataLegacy(ovmHandle model, std::string& message) {
   const std::string* scale = findOption(env, kOptScaleSource);
   if (scale != nullptr && lowerCase(*scale) == "auto" && !hostAutoScale(*inst, error))
     return fail(error);
-  if (const std::string* name = findOption(env, kOptInputName); name && !name->empty())
-    inst->inputName = *name;
-  const std::string* solution = findOption(env, kOptSolutionFile);
-  model->solutionFile = solution ? *solution : std::string();
-  adoptInstance(model, std::move(inst));
-  message.clear();
-  return 0;
+  return adopt();
 }
 
 void ovmIndexBaseSet(ovmHandle model, int32_t base) {

@@ -27,7 +27,7 @@ inline constexpr int32_t FILTER_ON = 1;    // in solution, binding; in MATCHIT: 
 inline constexpr int32_t FILTER_OFF = 2;   // not in solution, non-binding
 inline constexpr int32_t FILTER_NONE = 3;  // no filter; in MATCHIT: count only
 
-// Slots of ...Spec[k]; slots 3 and 4 stay 0.
+// Slots of colSelSpec[k] and rowSelSpec[k]; slots 3 and 4 stay 0.
 inline constexpr int32_t SPEC_DIRECT = 1;
 inline constexpr int32_t SPEC_CROSS = 2;
 inline constexpr int32_t SPEC_FOUND = 5;
