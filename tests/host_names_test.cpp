@@ -3,6 +3,8 @@
 
 #include "host/host.h"
 #include "host/names.h"
+#include "host/readers.h"
+#include "host_test_files.h"
 
 namespace {
 
@@ -204,6 +206,48 @@ TEST(HostNames, AutomaticRule) {
   ASSERT_TRUE(parseSymbolRule("trailing-digits", asked));
   EXPECT_EQ(hostResolveSymbolRule(asked, [&](const auto& f) { f("x(1)"); }).kind,
             SymbolRuleKind::TrailingDigits);
+}
+
+// A linear .nl model: objective x + y; the constraints x + y = 4, 0 <= x <= 4 (a range) and
+// y >= 1; x and y free.
+constexpr const char* kLinearNl =
+    "g3 1 1 0\n 2 3 1 1 1\n 0 0\n 0 0\n 0 0 0\n 0 0 0 1\n 0 0 0 0 0\n 4 2\n 0 0\n"
+    " 0 0 0 0 0\nC0\nn0\nC1\nn0\nC2\nn0\nO0 0\nn0\nr\n4 4\n0 0 4\n2 1\nb\n3\n3\n"
+    "k1\n2\nJ0 2\n0 1\n1 1\nJ1 1\n0 1\nJ2 1\n1 1\nG0 2\n0 1\n1 1\n";
+
+// The .nl reader's names from .row and .col files (or none) that would name two items: a name
+// from a file keeps its name, a name the reader makes (the objective's o1 beside a .row file
+// of the constraints only, the halves of a range, objvar) gives way, and of two equal names
+// from a file the later one; "_" goes after the symbol until it is free.
+TEST(HostNames, NlNamesThatCollideAreMadeDistinct) {
+  const std::string a64(64, 'a');
+  struct Case {
+    std::string row, col;  // the .row and .col files, "" for none
+    std::vector<std::string> rowNames, colNames;
+  };
+  const Case cases[] = {
+      {"band_lo\nband\no[1]\n", "",
+       {"o_(1)", "band_lo", "band_lo_", "band_up", "o(1)"}, {"v(1)", "v(2)", "objvar"}},
+      {"obj\nr[1]\nr_lo['1']\nobj\n", "x[" + a64 + "b]\nx[" + a64 + "c]\n",
+       {"obj", "obj_", "r_lo_(1)", "r_up(1)", "r_lo(1)"},
+       {"x(" + a64 + ")", "x_(" + a64 + ")", "objvar"}},
+      {"", "objvar\nobjvar\n", {"o(1)", "c(1)", "c_lo(2)", "c_up(2)", "c(3)"},
+       {"objvar", "objvar_", "objvar__"}},
+  };
+  HostScratch scratch;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.row + "|" + c.col);
+    const std::string path = scratch.write("m.nl", kLinearNl);
+    std::filesystem::remove(scratch.path("m.row"));
+    std::filesystem::remove(scratch.path("m.col"));
+    if (!c.row.empty()) scratch.write("m.row", c.row);
+    if (!c.col.empty()) scratch.write("m.col", c.col);
+    HostInstance inst;
+    std::string error;
+    ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Nl, "", {}}, inst, error)) << error;
+    EXPECT_EQ(hostItemNames(inst, true), c.rowNames);
+    EXPECT_EQ(hostItemNames(inst, false), c.colNames);
+  }
 }
 
 }  // namespace

@@ -6,6 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
+
+#include "host/instance.h"
 
 struct HostScratch {
   std::filesystem::path dir;
@@ -30,4 +33,12 @@ struct HostScratch {
 
 inline std::string hostTestData(const std::string& name) {
   return std::string(SOURCE_DIR) + "/tests/data/host/" + name;
+}
+
+// The names of the rows, or of the columns, of an instance, in order.
+inline std::vector<std::string> hostItemNames(const HostInstance& inst, bool rows) {
+  std::vector<std::string> names;
+  for (int32_t k = 0; k < (rows ? inst.rowCount : inst.colCount); ++k)
+    names.push_back(rows ? hostRowName(inst, k) : hostColName(inst, k));
+  return names;
 }

@@ -545,9 +545,7 @@ void MpsReader::finish(const SymbolRule& rule) {
     inst.colLower[j] += 0.0;
     inst.colUpper[j] += 0.0;
   }
-  std::string objVar = "objvar";
   if (hasObjective) {
-    while (cols.find(objVar) >= 0) objVar += '_';
     inst.colType.push_back(kVarContinuous);
     inst.colLower.push_back(-kHostInf);
     inst.colUpper.push_back(kHostInf);
@@ -570,20 +568,34 @@ void MpsReader::finish(const SymbolRule& rule) {
   };
   const SymbolRule rowRule = hostResolveSymbolRule(rule, eachRow);
   const SymbolRule colRule = hostResolveSymbolRule(rule, eachCol);
-  HostDictionaryBuilder dictionary(inst);
-  if (hasObjective) dictionary.addRow(hostParseName(rows.name(objRow), rowRule));
+  // In the instance's order: the objective row, then the file's rows, a ranged row as the
+  // halves `_lo` and `_up` that the host makes (rowMade 1 and 2); the columns, then objvar.
+  std::vector<int32_t> rowFrom;
+  std::vector<char> rowMade;
+  rowFrom.reserve(inst.rowType.size());
+  rowMade.reserve(inst.rowType.size());
+  if (hasObjective) {
+    rowFrom.push_back(objRow);
+    rowMade.push_back(0);
+  }
   for (int32_t r = 0; r < m; ++r) {
     if (r == objRow) continue;
-    HostName name = hostParseName(rows.name(r), rowRule);
-    if (split[r]) {
-      dictionary.addRow(hostMakeName(name.symbol + "_lo", name.labels));
-      dictionary.addRow(hostMakeName(name.symbol + "_up", name.labels));
-    } else {
-      dictionary.addRow(name);
+    for (char half = split[r] ? 1 : 0; half <= (split[r] ? 2 : 0); ++half) {
+      rowFrom.push_back(r);
+      rowMade.push_back(half);
     }
   }
-  for (int32_t j = 0; j < n; ++j) dictionary.addCol(hostParseName(cols.name(j), colRule));
-  if (hasObjective) dictionary.addCol(hostParseName(objVar, colRule));
+  std::vector<char> colMade(static_cast<std::size_t>(n), 0);
+  if (hasObjective) colMade.push_back(1);
+  HostDictionaryBuilder dictionary(inst);
+  dictionary.addDistinct(true, static_cast<int32_t>(rowFrom.size()), [&](int32_t k) {
+    HostName name = hostParseName(rows.name(rowFrom[k]), rowRule);
+    if (rowMade[k] == 0) return name;
+    return hostMakeName(name.symbol + (rowMade[k] == 1 ? "_lo" : "_up"), std::move(name.labels));
+  }, rowMade);
+  dictionary.addDistinct(false, static_cast<int32_t>(colMade.size()), [&](int32_t j) {
+    return hostParseName(j < n ? cols.name(j) : std::string_view("objvar"), colRule);
+  }, colMade);
   hostCompleteInstance(inst);
 }
 

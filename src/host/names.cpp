@@ -1,5 +1,6 @@
 #include "host/names.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unordered_map>
 #include <unordered_set>
@@ -255,25 +256,37 @@ std::string hostItemKey(const HostName& n) {
   return key;
 }
 
-void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made) {
-  std::unordered_set<std::string> fromFile, used;
-  for (std::size_t k = 0; k < names.size(); ++k)
-    if (!made[k]) fromFile.insert(hostItemKey(names[k]));
-  for (std::size_t k = 0; k < names.size(); ++k) {
-    HostName& name = names[k];
+std::vector<std::pair<int32_t, HostName>> hostNameChanges(
+    int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made) {
+  std::unordered_set<std::string> taken;
+  taken.reserve(static_cast<std::size_t>(count));
+  std::vector<int32_t> later;  // names from the file that are taken already, then made names
+  for (int32_t k = 0; k < count; ++k)
+    if (!made[k] && !taken.insert(hostItemKey(nameAt(k))).second) later.push_back(k);
+  for (int32_t k = 0; k < count; ++k)
+    if (made[k]) later.push_back(k);
+  std::vector<std::pair<int32_t, HostName>> changes;
+  for (int32_t k : later) {
+    HostName name = nameAt(k);
     std::string key = hostItemKey(name);
-    if (used.count(key) != 0 || (made[k] && fromFile.count(key) != 0)) {
-      std::string symbol = name.symbol;
-      HostName renamed;
-      do {
-        symbol += '_';
-        renamed = hostMakeName(symbol, name.labels);
-        key = hostItemKey(renamed);
-      } while (used.count(key) != 0 || fromFile.count(key) != 0);
-      name = std::move(renamed);
-    }
-    used.insert(std::move(key));
+    if (made[k] && taken.insert(key).second) continue;
+    std::string symbol = name.symbol;
+    do {
+      symbol += '_';
+      name = hostMakeName(symbol, std::move(name.labels));
+      key = hostItemKey(name);
+    } while (!taken.insert(key).second);
+    changes.emplace_back(k, std::move(name));
   }
+  std::sort(changes.begin(), changes.end(),
+            [](const auto& a, const auto& b) { return a.first < b.first; });
+  return changes;
+}
+
+void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made) {
+  auto changes = hostNameChanges(
+      static_cast<int32_t>(names.size()), [&](int32_t k) { return names[k]; }, made);
+  for (auto& [k, name] : changes) names[k] = std::move(name);
 }
 
 HostDictionaryBuilder::HostDictionaryBuilder(HostInstance& target) : inst(target) {
@@ -338,6 +351,19 @@ void HostDictionaryBuilder::addRow(const HostName& name) {
 
 void HostDictionaryBuilder::addCol(const HostName& name) {
   placeName(*this, name, false, inst.colSymbol, inst.colUelStart, inst.colUels);
+}
+
+void HostDictionaryBuilder::addDistinct(bool rows, int32_t count,
+                                        const std::function<HostName(int32_t)>& nameAt,
+                                        const std::vector<char>& made) {
+  const auto changes = hostNameChanges(count, nameAt, made);
+  auto change = changes.begin();
+  for (int32_t k = 0; k < count; ++k) {
+    const bool changed = change != changes.end() && change->first == k;
+    const HostName name = changed ? (change++)->second : nameAt(k);
+    if (rows) addRow(name);
+    else addCol(name);
+  }
 }
 
 void hostBuildDictionary(HostInstance& inst, const std::vector<HostName>& rowNames,

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/instance.h"
@@ -80,6 +81,10 @@ struct HostDictionaryBuilder {
   explicit HostDictionaryBuilder(HostInstance& inst);
   void addRow(const HostName& name);
   void addCol(const HostName& name);
+  // Adds `count` rows (or columns) as hostNameChanges makes them distinct, for a reader that
+  // keeps no parsed name per row and column.
+  void addDistinct(bool rows, int32_t count, const std::function<HostName(int32_t)>& nameAt,
+                   const std::vector<char>& made);
 
   HostInstance& inst;
   std::unordered_map<std::string, int32_t> uelOf;
@@ -93,13 +98,19 @@ struct HostDictionaryBuilder {
 // them (cut to 64 characters), quotes left out.
 std::string hostItemKey(const HostName& name);
 
-// Makes the names of one kind (rows, or columns) distinct, as the dictionary tells items apart:
-// by hostItemKey (`x17`, `x(17)` and `x['17']` are one item, and so are two names whose labels
-// differ only beyond the 64th character). A
-// name that is taken gets "_" added to its symbol until it is free. Names from the file (where
-// `made` is 0) come first; a name the host made (`made` 1: halves of a ranged row, R<i>, C<j>,
-// objvar) gives way to every name from the file, and a later name from the file to an earlier
-// one.
+// The names of one kind (rows, or columns) that must change for every item to have a name of
+// its own, as the dictionary tells items apart: by hostItemKey (`x17`, `x(17)` and `x['17']`
+// are one item, and so are two names whose labels differ only beyond the 64th character).
+// `count` names in the instance's order: `nameAt(k)` gives the k-th, `made[k]` is 0 for a name
+// from the file and not 0 for one the host made (halves of a ranged row, R<i>, C<j>, generated
+// .nl names, objvar). Names from the file are taken first, in their order, then the names the
+// host made: a name that is taken gets "_" added to its symbol until it is free. So a made
+// name gives way to every name from the file, and a later name from the file to an earlier
+// one. Gives the new names by place, in the order of places.
+std::vector<std::pair<int32_t, HostName>> hostNameChanges(
+    int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made);
+
+// hostNameChanges applied to names held in a vector.
 void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made);
 
 // Fills the dictionary of `inst` (symbols, labels, rowSymbol/rowUels, colSymbol/colUels) from

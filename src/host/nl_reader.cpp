@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <fstream>
 #include <sstream>
-#include <unordered_set>
 
 #include "host/names.h"
 #include "host/nl_evaluator.h"
@@ -563,7 +562,7 @@ bool NlReader::build() {
   const SymbolRule scalar{SymbolRuleKind::Scalar, 0};
   const SymbolRule digits{SymbolRuleKind::TrailingDigits, 0};
   std::vector<HostName> rowNames, colNames;
-  std::unordered_set<std::string> colNameSet;
+  std::vector<char> rowMade, colMade;  // 1: a name the reader makes (hostNameChanges)
   // Variable groups of the file: nonlinear first, then linear arcs and others, binary, integer.
   const long nonlinear = std::max(nlvc_, nlvo_);
   auto integerVar = [&](long j) {
@@ -589,8 +588,8 @@ bool NlReader::build() {
       const char* prefix = j < nonlinear ? "nv" : type == kVarBinary ? "b" : type == kVarInteger ? "i" : "v";
       name = prefix + std::to_string(j + 1);
     }
-    colNameSet.insert(name);
     colNames.push_back(hostParseName(name, haveCols ? scalar : digits));
+    colMade.push_back(haveCols ? 0 : 1);
   }
 
   // Rows, each with its entries (variable, value, nonlinear mark).
@@ -603,7 +602,7 @@ bool NlReader::build() {
   std::vector<double> value(n, 0.0);
   std::vector<int32_t> mark(n, 0);
   std::vector<int32_t> place(n, -1);
-  auto addRow = [&](const HostName& name, int32_t type, double rhs, int32_t item,
+  auto addRow = [&](const HostName& name, bool made, int32_t type, double rhs, int32_t item,
                     const std::vector<Linear>& linear, const std::vector<int32_t>& vars,
                     int32_t request) {
     std::vector<Entry> entries;
@@ -627,19 +626,21 @@ bool NlReader::build() {
     }
     for (const Entry& e : entries) place[e.col] = -1;
     rowNames.push_back(name);
+    rowMade.push_back(made ? 1 : 0);
     inst_.rowType.push_back(type);
     inst_.rowRhs.push_back(rhs + 0.0);
     inst_.rowNlItem.push_back(item);
     rowEntries.push_back(std::move(entries));
   };
   for (std::size_t k = 0; k < o; ++k) {
-    std::string name = haveRows && rowFile.size() == m + o ? rowFile[m + k] : "o" + std::to_string(k + 1);
-    const HostName parsed = hostParseName(name, haveRows && rowFile.size() == m + o ? scalar : digits);
+    const bool named = haveRows && rowFile.size() == m + o;
+    const HostName parsed = hostParseName(named ? rowFile[m + k] : "o" + std::to_string(k + 1),
+                                          named ? scalar : digits);
     if (k == 0) {
       inst_.minimizing = objSense_[0] == 0;
       inst_.objRow = static_cast<int32_t>(inst_.rowType.size()) + 1;
     }
-    addRow(parsed, k == 0 ? kRowE : kRowN, k == 0 ? -objConstant_[0] : 0.0, -1 - static_cast<int32_t>(k),
+    addRow(parsed, !named, k == 0 ? kRowE : kRowN, k == 0 ? -objConstant_[0] : 0.0, -1 - static_cast<int32_t>(k),
            objLinear_[k], objVars_[k], requestOf[m + k]);
   }
   for (std::size_t c = 0; c < m; ++c) {
@@ -650,22 +651,21 @@ bool NlReader::build() {
     const double lo = conLo_[c] - shift, up = conUp_[c] - shift;
     const auto item = static_cast<int32_t>(c);
     // The row type follows the bounds, so that an infinite bound of any code means none.
-    const auto add = [&](const HostName& rowName, int32_t type, double rhs) {
-      addRow(rowName, type, rhs, item, conLinear_[c], conVars_[c], requestOf[c]);
+    const auto add = [&](const HostName& rowName, bool made, int32_t type, double rhs) {
+      addRow(rowName, made, type, rhs, item, conLinear_[c], conVars_[c], requestOf[c]);
     };
-    if (!std::isfinite(lo) && !std::isfinite(up)) add(parsed, kRowN, 0.0);
-    else if (lo == up) add(parsed, kRowE, lo);
-    else if (!std::isfinite(lo)) add(parsed, kRowL, up);
-    else if (!std::isfinite(up)) add(parsed, kRowG, lo);
+    if (!std::isfinite(lo) && !std::isfinite(up)) add(parsed, !haveRows, kRowN, 0.0);
+    else if (lo == up) add(parsed, !haveRows, kRowE, lo);
+    else if (!std::isfinite(lo)) add(parsed, !haveRows, kRowL, up);
+    else if (!std::isfinite(up)) add(parsed, !haveRows, kRowG, lo);
     else {
-      add(hostMakeName(parsed.symbol + "_lo", parsed.labels), kRowG, lo);
-      add(hostMakeName(parsed.symbol + "_up", parsed.labels), kRowL, up);
+      add(hostMakeName(parsed.symbol + "_lo", parsed.labels), true, kRowG, lo);
+      add(hostMakeName(parsed.symbol + "_up", parsed.labels), true, kRowL, up);
     }
   }
   if (o > 0) {
-    std::string objVar = "objvar";
-    while (colNameSet.count(objVar) != 0) objVar += '_';
-    colNames.push_back(hostParseName(objVar, scalar));
+    colNames.push_back(hostParseName("objvar", scalar));
+    colMade.push_back(1);
     inst_.colType.push_back(kVarContinuous);
     inst_.colLower.push_back(-kHostInf);
     inst_.colUpper.push_back(kHostInf);
@@ -692,6 +692,8 @@ bool NlReader::build() {
       inst_.entryNonlinear[k] = e.nonlinear;
     }
   inst_.nlFile = path_;
+  hostDistinctNames(rowNames, rowMade);
+  hostDistinctNames(colNames, colMade);
   hostBuildDictionary(inst_, rowNames, colNames);
   hostCompleteInstance(inst_);
   return true;
