@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/host.h"
+#include "host/instance_file.h"
 #include "host/names.h"
 #include "host/readers.h"
 #include "host_test_files.h"
@@ -247,6 +248,40 @@ TEST(HostNames, NlNamesThatCollideAreMadeDistinct) {
     ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Nl, "", {}}, inst, error)) << error;
     EXPECT_EQ(hostItemNames(inst, true), c.rowNames);
     EXPECT_EQ(hostItemNames(inst, false), c.colNames);
+  }
+}
+
+// An instance file with a good checksum but a name that no reader takes is refused, so that
+// such a name never reaches a record (found by the fuzzer: a label's quote character).
+TEST(HostNames, InstanceFilesWithNamesNoReaderTakesAreRefused) {
+  struct Case {
+    void (*forge)(HostInstance&);
+    const char* reason;
+  };
+  const Case cases[] = {
+      {[](HostInstance& in) { in.symbols[0].name = "bal\x01"; },
+       "the name \"bal\\x01\" holds a control character (code 1)"},
+      {[](HostInstance& in) { in.labels[0].text = "a\nb"; },
+       "the name \"a\\nb\" holds a control character (code 10)"},
+      {[](HostInstance& in) { in.labels[0].quote = '\n'; },
+       "the label \"a\" has the quote character \"\\n\", not ' or \""},
+      {[](HostInstance& in) { in.labels[0].quote = 'q'; },
+       "the label \"a\" has the quote character \"q\", not ' or \""},
+  };
+  HostScratch scratch;
+  const std::string path = scratch.path("forged.ins");
+  for (const Case& c : cases) {
+    HostInstance in;
+    in.rowType = {kRowE};
+    in.colType = {kVarContinuous};
+    hostBuildDictionary(in, {hostParseName("bal(a)")}, {hostParseName("x")});
+    hostCompleteInstance(in);
+    c.forge(in);
+    std::string error;
+    ASSERT_TRUE(writeInstanceFile(path, in, error)) << error;
+    HostInstance back;
+    EXPECT_FALSE(loadInstanceFile(path, back, error));
+    EXPECT_EQ(error, path + ": " + c.reason);
   }
 }
 

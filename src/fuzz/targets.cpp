@@ -12,19 +12,24 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 
 #include "base/run_context.h"
 #include "host/control_file.h"
+#include "host/instance_file.h"
 #include "host/names.h"
+#include "host/nl_evaluator.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
 #include "orva/options.h"
 #include "orva/requests.h"
 #include "orva/solve.h"
 #include "request/request_line.h"
+#include "request/section_reader.h"
 #include "run/control_records.h"
 
 namespace {
@@ -53,6 +58,14 @@ void require(bool promise) {
   if (!promise) __builtin_trap();
 }
 
+// An item as the dictionary tells it apart: its symbol's text and its labels' texts.
+std::string itemKey(const HostInstance& inst, int32_t symbol, const std::vector<int32_t>& uels,
+                    int32_t from, int32_t to) {
+  std::vector<HostLabel> labels;
+  for (int32_t k = from; k < to; ++k) labels.push_back(inst.labels[uels[k] - 1]);
+  return hostItemKey(hostMakeName(inst.symbols[symbol - 1].name, std::move(labels)));
+}
+
 // What every reader promises of an instance it takes.
 void checkInstance(const HostInstance& inst) {
   std::string error;
@@ -60,10 +73,19 @@ void checkInstance(const HostInstance& inst) {
   for (const HostSymbol& s : inst.symbols) require(hostNameFault(s.name).empty());
   for (const HostLabel& l : inst.labels) require(hostNameFault(l.text).empty());
   std::unordered_set<std::string> rows, cols;
-  for (int32_t i = 0; i < inst.rowCount; ++i) require(rows.insert(hostRowName(inst, i)).second);
-  for (int32_t j = 0; j < inst.colCount; ++j) require(cols.insert(hostColName(inst, j)).second);
+  for (int32_t i = 0; i < inst.rowCount; ++i)
+    require(rows.insert(itemKey(inst, inst.rowSymbol[i], inst.rowUels, inst.rowUelStart[i],
+                                inst.rowUelStart[i + 1])).second);
+  for (int32_t j = 0; j < inst.colCount; ++j)
+    require(cols.insert(itemKey(inst, inst.colSymbol[j], inst.colUels, inst.colUelStart[j],
+                                inst.colUelStart[j + 1])).second);
   for (int32_t j = 0; j < inst.colCount; ++j)
     require(inst.colLower[j] > -kHostInfiniteBound || inst.colLower[j] == -kHostInf);
+}
+
+// A refusal is one line.
+void checkRefusal(const std::string& error) {
+  require(!error.empty() && error.find('\n') == std::string::npos);
 }
 
 void readAs(ModelFormat format, std::string_view text) {
@@ -71,7 +93,7 @@ void readAs(ModelFormat format, std::string_view text) {
   std::string error;
   ModelSource source{asFile(input, text), format, {}, {}};
   if (readModel(source, inst, error)) checkInstance(inst);
-  else require(!error.empty() && error.find('\n') == std::string::npos);
+  else checkRefusal(error);
 }
 
 void fuzzMps(std::string_view t) { readAs(ModelFormat::Mps, t); }
@@ -154,6 +176,112 @@ void fuzzSolution(std::string_view t) {
   readSolutionFile(asFile(input, t), inst, solution, error);
 }
 
+// An AMPL .nl model with the files beside it, in one input: the .nl text, then, each after a
+// line "%%row", "%%col" or "%%sol", the .row, .col and .sol files (each optional). The files
+// are written into a folder of this process. No child process evaluates the model here
+// (nlAllowChild), so nonlinear entries read 0 and a solution of a nonlinear model is refused.
+void fuzzNl(std::string_view t) {
+  static const std::filesystem::path dir = [] {
+    nlAllowChild(false);
+    std::filesystem::path made = std::filesystem::temp_directory_path() /
+                                 ("modrake-fuzz-" + std::to_string(getpid()));
+    std::filesystem::create_directories(made);
+    return made;
+  }();
+  std::string_view parts[4] = {t, {}, {}, {}};  // .nl, .row, .col, .sol
+  const char* marks[3] = {"\n%%row\n", "\n%%col\n", "\n%%sol\n"};
+  for (int k = 2; k >= 0; --k) {
+    const std::size_t at = parts[0].find(marks[k]);
+    if (at == std::string_view::npos) continue;
+    parts[k + 1] = parts[0].substr(at + 7);
+    parts[0] = parts[0].substr(0, at + 1);
+  }
+  const char* extensions[4] = {".nl", ".row", ".col", ".sol"};
+  for (int k = 0; k < 4; ++k) {
+    const std::filesystem::path path = dir / (std::string("m") + extensions[k]);
+    std::filesystem::remove(path);
+    if (k == 0 || parts[k].data() != nullptr)
+      std::ofstream(path, std::ios::binary).write(parts[k].data(), std::streamsize(parts[k].size()));
+  }
+  HostInstance inst;
+  std::string error;
+  if (!readModel(ModelSource{(dir / "m.nl").string(), ModelFormat::Nl, {}, {}}, inst, error)) {
+    checkRefusal(error);
+    return;
+  }
+  checkInstance(inst);
+  if (parts[3].data() == nullptr) return;
+  HostSolution solution;
+  if (!readNlSolutionFile((dir / "m.sol").string(), inst, solution, error)) {
+    checkRefusal(error);
+    return;
+  }
+  applySolution(inst, solution);
+  require(hostCheckInstance(inst, error));
+}
+
+// The instance file by which orva hands a model to modrake: taken as it is, and once more with
+// its checksum let pass, so that the fields behind it are tried too.
+void fuzzInstanceFile(std::string_view t) {
+  for (auto load : {loadInstanceFile, loadInstanceFileWithoutChecksum}) {
+    HostInstance inst;
+    std::string error;
+    if (!load(asFile(input, t), inst, error)) {
+      checkRefusal(error);
+      continue;
+    }
+    require(hostCheckInstance(inst, error));
+    for (int32_t i = 0; i < inst.rowCount; ++i) require(hostNameFault(hostRowName(inst, i)).empty());
+    for (int32_t j = 0; j < inst.colCount; ++j) require(hostNameFault(hostColName(inst, j)).empty());
+  }
+}
+
+// The lines of a procedure's section: the first byte chooses the procedure, whether the lines
+// stand for the analysis scratch file, and the capacity of the lists (1 to 4 requests a side,
+// so that lists overfill).
+void fuzzSection(std::string_view t) {
+  if (t.empty()) return;
+  const auto choice = static_cast<unsigned char>(t[0]);
+  const int32_t capacity = 1 + (choice >> 5 & 3);
+  std::vector<char> text[2];
+  std::vector<int32_t> ints[2];
+  auto side = [&](int k) {
+    const auto n = static_cast<std::size_t>(capacity);
+    text[k].assign(n * (MAX_LINE + NAME_LEN + LABELS_LEN), 'x');
+    ints[k].assign(n * (1 + SPEC_SLOTS), 7);
+    char* c = text[k].data();
+    int32_t* i = ints[k].data();
+    return SelectionSide{capacity,
+                         {c, MAX_LINE, capacity},
+                         {c + n * MAX_LINE, NAME_LEN, capacity},
+                         {c + n * (MAX_LINE + NAME_LEN), LABELS_LEN, capacity},
+                         {i, capacity},
+                         {i + n, capacity, SPEC_SLOTS}};
+  };
+  RequestLists lists{side(0), side(1)};
+  RunContext run;
+  std::vector<std::string> status, log;
+  Channel statusChannel{nullptr, &status}, logChannel{nullptr, &log};
+  std::FILE* file = std::fopen(asFile(input, t.substr(1)).c_str(), "r");
+  SectionContext context;
+  context.run = &run;
+  context.procIndex = 1 + choice % PROCEDURE_COUNT;
+  context.defaultMode = context.procIndex == static_cast<int32_t>(Proc::MatchIt) ? DEFAULT_COUNT
+                                                                                 : DEFAULT_SHOW;
+  context.analysisProblemsPending = choice >> 4 & 1;
+  (context.analysisProblemsPending == 1 ? context.analysisChannel : context.requestChannel) = file;
+  context.statusChannel = &statusChannel;
+  context.logChannel = &logChannel;
+  RequestFlags flags;
+  std::string keyword;
+  readRequestSection(context, lists, flags, keyword);
+  std::fclose(file);
+  require(lists.varCount >= 0 && lists.varCount <= capacity);
+  require(lists.equCount >= 0 && lists.equCount <= capacity);
+  for (const SelectionSide* s : {&lists.col, &lists.row})
+    for (int32_t k = 1; k <= capacity; ++k) require(s->dim[k] >= 0 && s->dim[k] <= MAX_SYMBOL_DIM);
+}
+
 struct FuzzTarget {
   const char* name;
   void (*run)(std::string_view);
@@ -172,6 +300,9 @@ constexpr FuzzTarget kTargets[] = {
     {"control_file", fuzzControlFile},
     {"scratch_control", fuzzScratchControl},
     {"solution", fuzzSolution},
+    {"nl", fuzzNl},
+    {"instance_file", fuzzInstanceFile},
+    {"section", fuzzSection},
 };
 
 const FuzzTarget* chosen = nullptr;

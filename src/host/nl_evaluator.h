@@ -43,3 +43,10 @@ struct NlAnswer {
 bool nlEvaluateInChild(const std::string& path, const std::vector<double>& x,
                        const std::vector<NlRequest>& requests, std::vector<NlAnswer>& answers,
                        std::string& error);
+
+// Whether nlEvaluateInChild starts its child, as it does unless told otherwise. A process that
+// must start none (the fuzz target, which reads .nl files in-process) turns it off: every
+// request then comes back unevaluated (`ok` false), so the reader's nonlinear entries read 0
+// and a .sol solution of a nonlinear model is refused as one where the functions cannot be
+// evaluated.
+void nlAllowChild(bool allowed);
