@@ -72,13 +72,19 @@ void checkInstance(const HostInstance& inst) {
   require(hostCheckInstance(inst, error));
   for (const HostSymbol& s : inst.symbols) require(hostNameFault(s.name).empty());
   for (const HostLabel& l : inst.labels) require(hostNameFault(l.text).empty());
+  // Neither two items alike in the dictionary nor two names alike in a report (the names kept
+  // with a leading line break, which no key holds).
   std::unordered_set<std::string> rows, cols;
-  for (int32_t i = 0; i < inst.rowCount; ++i)
+  for (int32_t i = 0; i < inst.rowCount; ++i) {
     require(rows.insert(itemKey(inst, inst.rowSymbol[i], inst.rowUels, inst.rowUelStart[i],
                                 inst.rowUelStart[i + 1])).second);
-  for (int32_t j = 0; j < inst.colCount; ++j)
+    require(rows.insert("\n" + hostRowName(inst, i)).second);
+  }
+  for (int32_t j = 0; j < inst.colCount; ++j) {
     require(cols.insert(itemKey(inst, inst.colSymbol[j], inst.colUels, inst.colUelStart[j],
                                 inst.colUelStart[j + 1])).second);
+    require(cols.insert("\n" + hostColName(inst, j)).second);
+  }
   for (int32_t j = 0; j < inst.colCount; ++j)
     require(inst.colLower[j] > -kHostInfiniteBound || inst.colLower[j] == -kHostInf);
 }

@@ -266,16 +266,18 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
   for (int32_t k = 0; k < count; ++k)
     if (made[k]) later.push_back(k);
   std::vector<std::pair<int32_t, HostName>> changes;
+  // The underscores tried last for a key: many names of one key go on from there, so that
+  // the search stays linear in the names.
+  std::unordered_map<std::string, std::size_t> tried;
   for (int32_t k : later) {
     HostName name = nameAt(k);
     std::string key = hostItemKey(name);
     if (made[k] && taken.insert(key).second) continue;
-    std::string symbol = name.symbol;
+    std::size_t& underscores = tried[key];
+    const std::string symbol = name.symbol;
     do {
-      symbol += '_';
-      name = hostMakeName(symbol, std::move(name.labels));
-      key = hostItemKey(name);
-    } while (!taken.insert(key).second);
+      name = hostMakeName(symbol + std::string(++underscores, '_'), std::move(name.labels));
+    } while (!taken.insert(hostItemKey(name)).second);
     changes.emplace_back(k, std::move(name));
   }
   std::sort(changes.begin(), changes.end(),
