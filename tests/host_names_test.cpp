@@ -285,4 +285,28 @@ TEST(HostNames, InstanceFilesWithNamesNoReaderTakesAreRefused) {
   }
 }
 
+// A native instance that would show two items under one name is refused, as one that names
+// an item twice: a symbol given by itself may hold brackets, a label a comma.
+TEST(HostNames, JsonItemsThatShowAlikeAreRefused) {
+  struct Case {
+    const char* text;
+    const char* message;
+  };
+  const Case cases[] = {
+      {"{\"cols\": [{\"symbol\": \"x(a,b)\"},\n {\"name\": \"x(a,b)\"}]}",
+       ":2: column \"x(a,b)\" is named twice (also column 1)"},
+      {"{\"rows\": [{\"name\": \"r(a,b)\", \"type\": \"E\"},\n"
+       " {\"symbol\": \"r\", \"labels\": [\"a,b\"], \"type\": \"E\"}]}",
+       ":2: row \"r(a,b)\" is named twice (also row 1)"},
+  };
+  HostScratch scratch;
+  for (const Case& c : cases) {
+    const std::string path = scratch.write("alike.json", c.text);
+    HostInstance inst;
+    std::string error;
+    EXPECT_FALSE(readModel(ModelSource{path, ModelFormat::Json, "", {}}, inst, error)) << c.text;
+    EXPECT_EQ(error, path + c.message);
+  }
+}
+
 }  // namespace

@@ -552,6 +552,20 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     return false;
 
   hostBuildDictionary(inst, rowNames, colNames);
+  // Names as a report shows them: a symbol given with "symbol" (`x(a,b)`, or labels that hold
+  // a comma) may show as another item's name.
+  for (const bool isRow : {true, false}) {
+    const char* kind = isRow ? "row" : "column";
+    std::unordered_map<std::string, std::size_t> shown;
+    for (std::size_t k = 0; k < (isRow ? m : n); ++k) {
+      const auto item = static_cast<int32_t>(k);
+      auto [it, added] = shown.try_emplace(isRow ? hostRowName(inst, item) : hostColName(inst, item), k);
+      if (!added)
+        return r.fail({member(isRow ? "rows" : "cols"), element(k)},
+                      std::string(kind) + " \"" + it->first + "\" is named twice (also " + kind +
+                          " " + std::to_string(it->second + 1) + ")");
+    }
+  }
   hostDefaultStatuses(inst, rowStatGiven, colStatGiven);
   inst.hasSolution = solutionGiven;
   return true;
