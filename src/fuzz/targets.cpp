@@ -182,25 +182,34 @@ void fuzzSolution(std::string_view t) {
   readSolutionFile(asFile(input, t), inst, solution, error);
 }
 
-// An AMPL .nl model with the files beside it, in one input: the .nl text, then, each after a
-// line "%%row", "%%col" or "%%sol", the .row, .col and .sol files (each optional). The files
-// are written into a folder of this process. No child process evaluates the model here
+// An AMPL .nl model with the files beside it, in one input: the .nl file, then, each after a
+// line "%%row", "%%col" or "%%sol", the .row, .col and .sol files (each optional). The line
+// break before a mark belongs to the mark, so that a binary .nl file ends where its bytes do.
+// The files are written into a folder of this process. No child process evaluates the model here
 // (nlAllowChild), so nonlinear entries read 0 and a solution of a nonlinear model is refused.
-void fuzzNl(std::string_view t) {
-  static const std::filesystem::path dir = [] {
+struct NlFolder {
+  std::filesystem::path path = std::filesystem::temp_directory_path() /
+                               ("modrake-fuzz-" + std::to_string(getpid()));
+  NlFolder() {
     nlAllowChild(false);
-    std::filesystem::path made = std::filesystem::temp_directory_path() /
-                                 ("modrake-fuzz-" + std::to_string(getpid()));
-    std::filesystem::create_directories(made);
-    return made;
-  }();
+    std::filesystem::create_directories(path);
+  }
+  ~NlFolder() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
+void fuzzNl(std::string_view t) {
+  static const NlFolder folder;
+  const std::filesystem::path& dir = folder.path;
   std::string_view parts[4] = {t, {}, {}, {}};  // .nl, .row, .col, .sol
   const char* marks[3] = {"\n%%row\n", "\n%%col\n", "\n%%sol\n"};
   for (int k = 2; k >= 0; --k) {
     const std::size_t at = parts[0].find(marks[k]);
     if (at == std::string_view::npos) continue;
     parts[k + 1] = parts[0].substr(at + 7);
-    parts[0] = parts[0].substr(0, at + 1);
+    parts[0] = parts[0].substr(0, at);
   }
   const char* extensions[4] = {".nl", ".row", ".col", ".sol"};
   for (int k = 0; k < 4; ++k) {
