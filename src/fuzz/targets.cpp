@@ -216,7 +216,8 @@ void fuzzNl(std::string_view t) {
     const std::filesystem::path path = dir / (std::string("m") + extensions[k]);
     std::filesystem::remove(path);
     if (k == 0 || parts[k].data() != nullptr)
-      std::ofstream(path, std::ios::binary).write(parts[k].data(), std::streamsize(parts[k].size()));
+      std::ofstream(path, std::ios::binary)
+          .write(parts[k].data(), static_cast<std::streamsize>(parts[k].size()));
   }
   HostInstance inst;
   std::string error;
@@ -246,8 +247,10 @@ void fuzzInstanceFile(std::string_view t) {
       continue;
     }
     require(hostCheckInstance(inst, error));
-    for (int32_t i = 0; i < inst.rowCount; ++i) require(hostNameFault(hostRowName(inst, i)).empty());
-    for (int32_t j = 0; j < inst.colCount; ++j) require(hostNameFault(hostColName(inst, j)).empty());
+    for (int32_t i = 0; i < inst.rowCount; ++i)
+      require(hostNameFault(hostRowName(inst, i)).empty());
+    for (int32_t j = 0; j < inst.colCount; ++j)
+      require(hostNameFault(hostColName(inst, j)).empty());
   }
 }
 

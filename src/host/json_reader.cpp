@@ -559,7 +559,8 @@ bool readJsonModel(const std::string& path, HostInstance& inst, std::string& err
     std::unordered_map<std::string, std::size_t> shown;
     for (std::size_t k = 0; k < (isRow ? m : n); ++k) {
       const auto item = static_cast<int32_t>(k);
-      auto [it, added] = shown.try_emplace(isRow ? hostRowName(inst, item) : hostColName(inst, item), k);
+      auto [it, added] =
+          shown.try_emplace(isRow ? hostRowName(inst, item) : hostColName(inst, item), k);
       if (!added)
         return r.fail({member(isRow ? "rows" : "cols"), element(k)},
                       std::string(kind) + " \"" + it->first + "\" is named twice (also " + kind +
