@@ -70,18 +70,22 @@ TEST(PostSolutionListings, BundledExamplesMatchTheirGoldenListings) {
   fs::remove_all(dir);
 }
 
-// The nonlinear examples at their .sol solutions. blend: POSTOPT after ANALYSIS, BLOCKLIST and
+// The nonlinear examples at their .sol solutions. blend, and blendb its binary form: POSTOPT after ANALYSIS, BLOCKLIST and
 // MATCHIT of blend.mrk, from its title to the end, with the derivatives at the solution and the
 // nonlinear marks. yield: x sits at its lower bound 1, so the Jacobian is evaluated with 0 in
 // its place, where log(x) is not defined; modrake stops there, and orva says so with status 3.
 TEST(PostSolutionListings, NonlinearExamplesAtTheirSolutions) {
   const fs::path dir = freshDir("nonlinear");
   const std::string base = kSource + "/examples/nonlinear/";
-  ASSERT_EQ(orvaRun(dir, base + "blend.nl", "--solution " + base + "blend.sol"), 0);
-  const Lines blend = readLines(dir / "listing.lst");
-  const auto title = std::find(blend.rbegin(), blend.rend(), " ----#### Executing POSTOPT");
-  ASSERT_NE(title, blend.rend());
-  EXPECT_TRUE(matchesGolden(Lines(title.base() - 1, blend.end()), "postsolution/blend-nl.listing"));
+  for (const char* model : {"blend.nl", "blendb.nl"}) {  // the text form and the binary form
+    SCOPED_TRACE(model);
+    ASSERT_EQ(orvaRun(dir, base + model,
+                      "--solution " + base + "blend.sol --requests " + base + "blend.mrk"), 0);
+    const Lines blend = readLines(dir / "listing.lst");
+    const auto title = std::find(blend.rbegin(), blend.rend(), " ----#### Executing POSTOPT");
+    ASSERT_NE(title, blend.rend());
+    EXPECT_TRUE(matchesGolden(Lines(title.base() - 1, blend.end()), "postsolution/blend-nl.listing"));
+  }
 
   EXPECT_EQ(orvaRun(dir, base + "yield.nl", "--solution " + base + "yield.sol"), 3);
   EXPECT_TRUE(matchesGolden(readLines(dir / "listing.lst"), "postsolution/yield-stop.listing",
