@@ -28,13 +28,17 @@ std::string fileText(const std::string& path) {
   return s.str();
 }
 
-HostInstance readNl(const std::string& path) {
-  HostInstance inst;
-  std::string error;
+bool readNlFile(const std::string& path, HostInstance& inst, std::string& error) {
   ModelSource source;
   source.path = path;
   source.format = ModelFormat::Nl;
-  EXPECT_TRUE(readModel(source, inst, error)) << error;
+  return readModel(source, inst, error);
+}
+
+HostInstance readNl(const std::string& path) {
+  HostInstance inst;
+  std::string error;
+  EXPECT_TRUE(readNlFile(path, inst, error)) << error;
   return inst;
 }
 
@@ -81,8 +85,12 @@ bool evaluateAt(ovmHandle model, const std::vector<double>& point, std::vector<d
 
 }  // namespace
 
+// blendb.nl is blend.nl in the binary form: the same model, read the same way.
 TEST(NlModel, RowsColumnsAndDerivativesAtTheFilesPointWorkedOutByHand) {
-  const HostInstance inst = readNl(kBlend + ".nl");
+  const HostInstance text = readNl(kBlend + ".nl");
+  for (const std::string form : {"", "b"}) {
+  SCOPED_TRACE(form);
+  const HostInstance inst = readNl(kBlend + form + ".nl");
   // The file's point is x[1] = 1, x[2] = 3 and y = 0 (not given). cost = x1^2 + x2^2 + 3y,
   // band = x1 x2 + y in [4, 8], curve = log(x1) + x2 >= 1, cap = x1 + x2 + y <= 10.
   const std::vector<std::string> expected = {
@@ -100,6 +108,54 @@ TEST(NlModel, RowsColumnsAndDerivativesAtTheFilesPointWorkedOutByHand) {
   EXPECT_EQ(inst.objRow, 1);
   EXPECT_TRUE(inst.minimizing);
   EXPECT_EQ(inst.rowNlItem, (std::vector<int32_t>{-1, 0, 0, 1, 2}));
+  EXPECT_EQ(inst.entryRow, text.entryRow);
+  EXPECT_EQ(inst.entryValue, text.entryValue);
+  EXPECT_EQ(inst.entryNonlinear, text.entryNonlinear);
+  }
+}
+
+// The binary form cut short or spoiled: segment, byte offset and reason. blendb.nl has the
+// 481 bytes of the text header, then C0 at 481 (v1's number at 497), x at 582, r at 611 (its
+// first bound code at 612), J0 at 696 (its first pair at 705, the third at 729), and after G0 a
+// suffix segment at 864, S, kind 0, count 2, the name's length 7 at 873, the name at 877.
+TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
+  const std::string bytes = fileText(kBlend + "b.nl");
+  ASSERT_EQ(bytes.size(), 900u);
+  const struct {
+    std::size_t at;
+    std::string patch;  // written at `at`; empty: the file cut there
+    std::string message;  // after "DIR/m.nl: byte "
+  } cases[] = {
+      {497, std::string("\x09\0\0\0", 4), "496: variable v9 is neither a variable nor defined before"},
+      {582, "Z", "582: \"Z\" begins no segment of a .nl file"},
+      {612, "7", "612: expected a bound code from 0 to 4 and its values"},
+      {697, "", "696: expected J, a constraint number and a count (the file ends there)"},
+      {735, "", "729: expected an index below 3 and a number (the file ends there)"},
+      {729, "", "729: the file ends before the end of the segment that begins at byte 696"},
+      {880, "", "864: expected S, a suffix kind, a count and a name (the file ends there)"},
+      {873, std::string("\\xff\\0\\0\\0", 4),
+       "864: expected S, a suffix kind, a count and a name (the file ends there)"},
+  };
+  // Cut anywhere past the header, the file is refused, but for the cut before the suffix
+  // segment, which leaves blend.nl whole; and never read past its end (the sanitizer build).
+  HostScratch cuts;
+  for (std::size_t cut = 481; cut < bytes.size(); ++cut) {
+    HostInstance inst;
+    std::string error;
+    EXPECT_EQ(readNlFile(cuts.write("m.nl", bytes.substr(0, cut)), inst, error), cut == 864) << cut;
+  }
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.message);
+    HostScratch scratch;
+    std::string text = bytes;
+    if (c.patch.empty()) text.resize(c.at);
+    else text.replace(c.at, c.patch.size(), c.patch);
+    const std::string path = scratch.write("m.nl", text);
+    HostInstance inst;
+    std::string error;
+    EXPECT_FALSE(readNlFile(path, inst, error));
+    EXPECT_EQ(error, path + ": byte " + c.message);
+  }
 }
 
 TEST(NlModel, WithoutRowAndColFilesNamesFollowTheFilesGroups) {
@@ -251,9 +307,8 @@ TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
     std::string message;  // after "DIR/m."
   };
   const std::vector<Case> cases = {
-      {"binary form", 1, "b3 1 1 0", "nl",
-       "nl:1: the binary form of .nl is not read by this host; write the text form"},
-      {"no .nl file", 1, "NAME blend", "nl", "nl:1: not an AMPL .nl file (its first line begins with g)"},
+      {"no .nl file", 1, "NAME blend", "nl",
+       "nl:1: not an AMPL .nl file (its first line begins with g, or b in the binary form)"},
       {"header with words", 2, " three 3 1 1 0", "nl",
        "nl:2: expected the counts of variables, constraints, objectives, ranges and equations"},
       {"unknown operator", 16, "o79", "nl", "nl:16: operator o79 is not read by this host"},
@@ -307,10 +362,7 @@ TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
     const std::string path = scratch.write("m.nl", text);
     HostInstance inst;
     std::string error;
-    ModelSource source;
-    source.path = path;
-    source.format = ModelFormat::Nl;
-    const bool read = readModel(source, inst, error);
+    const bool read = readNlFile(path, inst, error);
     if (c.file == "sol") {
       ASSERT_TRUE(read) << error;
       HostSolution solution;

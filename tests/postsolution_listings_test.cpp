@@ -3,8 +3,10 @@
 // check that cannot lie: POSTOPT over every item of every bundled LP and of the netlib models
 // closes every budget and every row sum.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -31,11 +33,18 @@ fs::path freshDir(const std::string& name) {
   return dir;
 }
 
-// Runs orva on a model with extra arguments; the listing's lines, empty when orva failed.
-Lines orvaListing(const fs::path& dir, const std::string& model, const std::string& extra) {
+// Runs orva on a model with extra arguments; its exit status. The listing is listing.lst, the
+// log log.txt and standard error err.txt in `dir`.
+int orvaRun(const fs::path& dir, const std::string& model, const std::string& extra) {
   const std::string command = "cd '" + dir.string() + "' && '" + ORVA_BIN + "' '" + model +
                               "' " + extra + " --listing listing.lst >log.txt 2>err.txt";
-  if (std::system(command.c_str()) != 0) return {};
+  const int raw = std::system(command.c_str());
+  return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+}
+
+// The listing's lines, empty when orva failed.
+Lines orvaListing(const fs::path& dir, const std::string& model, const std::string& extra) {
+  if (orvaRun(dir, model, extra) != 0) return {};
   return readLines(dir / "listing.lst");
 }
 
@@ -58,6 +67,35 @@ TEST(PostSolutionListings, BundledExamplesMatchTheirGoldenListings) {
     EXPECT_TRUE(matchesGolden(listing, std::string("postsolution/") + name + ".listing",
                               {{"AUDIT", auditLine()}}));
   }
+  fs::remove_all(dir);
+}
+
+// The nonlinear examples at their .sol solutions. blend, and blendb its binary form: POSTOPT after ANALYSIS, BLOCKLIST and
+// MATCHIT of blend.mrk, from its title to the end, with the derivatives at the solution and the
+// nonlinear marks. yield: x sits at its lower bound 1, so the Jacobian is evaluated with 0 in
+// its place, where log(x) is not defined; modrake stops there, and orva says so with status 3.
+TEST(PostSolutionListings, NonlinearExamplesAtTheirSolutions) {
+  const fs::path dir = freshDir("nonlinear");
+  const std::string base = kSource + "/examples/nonlinear/";
+  for (const char* model : {"blend.nl", "blendb.nl"}) {  // the text form and the binary form
+    SCOPED_TRACE(model);
+    ASSERT_EQ(orvaRun(dir, base + model,
+                      "--solution " + base + "blend.sol --requests " + base + "blend.mrk"), 0);
+    const Lines blend = readLines(dir / "listing.lst");
+    const auto title = std::find(blend.rbegin(), blend.rend(), " ----#### Executing POSTOPT");
+    ASSERT_NE(title, blend.rend());
+    EXPECT_TRUE(matchesGolden(Lines(title.base() - 1, blend.end()), "postsolution/blend-nl.listing"));
+  }
+
+  EXPECT_EQ(orvaRun(dir, base + "yield.nl", "--solution " + base + "yield.sol"), 3);
+  EXPECT_TRUE(matchesGolden(readLines(dir / "listing.lst"), "postsolution/yield-stop.listing",
+                            {{"AUDIT", auditLine()}}));
+  const Lines log = readLines(dir / "log.txt");
+  ASSERT_FALSE(log.empty());
+  EXPECT_EQ(log.back(), " Error computing the Jacobian.");
+  EXPECT_NE(readFile(dir / "err.txt").find("orva: modrake stopped before the end of its run:  "
+                                           "Error computing the Jacobian."),
+            std::string::npos);
   fs::remove_all(dir);
 }
 

@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -40,8 +41,13 @@ int operatorArity(long op) {
 
 struct Line {
   std::string_view text;  // without comment and surrounding blanks
-  int64_t number = 0;
+  int64_t number = 0;     // line number; in the binary form the byte offset
 };
+
+// What the reader expects next. The text form has it on one line; the binary form has it as
+// bytes (whole numbers 4-byte, reals 8-byte, little-endian), which the source spells out as
+// that line.
+enum class Shape { Segment, Term, Count, Pair, WholePair, Bound };
 
 struct Linear {
   int32_t var;
@@ -52,7 +58,11 @@ class NlText {
  public:
   NlText(const std::string& path, std::string text) : path_(path), text_(std::move(text)) {}
 
-  bool next(Line& line) {
+  // From here on the segments are in the binary form.
+  void binaryFromHere() { binary_ = true; }
+
+  bool next(Line& line, Shape shape = Shape::Segment) {
+    if (binary_) return nextBinary(line, shape);
     while (at_ < text_.size()) {
       std::size_t end = text_.find('\n', at_);
       if (end == std::string::npos) end = text_.size();
@@ -69,19 +79,124 @@ class NlText {
     return false;
   }
   // The next line, which must be there.
-  bool need(Line& line, std::string_view what, std::string& error) {
-    if (next(line)) return true;
-    error = path_ + ":" + std::to_string(number_) + ": the file ends before " + std::string(what);
+  bool need(Line& line, std::string_view what, std::string& error, Shape shape) {
+    if (next(line, shape)) return true;
+    error = at({{}, binary_ ? static_cast<int64_t>(at_) : number_}) + "the file ends before " +
+            std::string(what);
     return false;
   }
   std::size_t size() const { return text_.size(); }
-  std::string at(const Line& line) const { return path_ + ":" + std::to_string(line.number) + ": "; }
+  bool cut() const { return cut_; }
+  std::string place(const Line& line) const {
+    return (binary_ ? "at byte " : "on line ") + std::to_string(line.number);
+  }
+  std::string at(const Line& line) const {
+    return path_ + (binary_ ? ": byte " : ":") + std::to_string(line.number) + ": ";
+  }
 
  private:
+  // Whole numbers of each segment's first line; -1 for a letter that begins no segment here.
+  static int segmentCounts(char key) {
+    switch (key) {
+      case 'C': case 'x': case 'd': case 'k': return 1;
+      case 'O': case 'J': case 'G': case 'S': return 2;
+      case 'V': return 3;
+      case 'r': case 'b': return 0;
+      default: return -1;
+    }
+  }
+  // The next `bytes` bytes as a little-endian number.
+  bool bits(std::size_t bytes, uint64_t& u) {
+    if (text_.size() - at_ < bytes) return false;
+    u = 0;
+    for (std::size_t b = bytes; b-- > 0;) u = (u << 8) | static_cast<unsigned char>(text_[at_ + b]);
+    at_ += bytes;
+    return true;
+  }
+  bool whole(std::size_t bytes = 4) {
+    uint64_t u = 0;
+    if (!bits(bytes, u)) return false;
+    spell(bytes == 2 ? static_cast<int64_t>(static_cast<int16_t>(u))
+                     : static_cast<int64_t>(static_cast<int32_t>(u)));
+    return true;
+  }
+  bool real() {
+    uint64_t u = 0;
+    if (!bits(8, u)) return false;
+    double v = 0.0;
+    std::memcpy(&v, &u, sizeof v);
+    spell(v);
+    return true;
+  }
+  template <class T>
+  void spell(T v) {
+    char buf[40];
+    const auto [end, ec] = std::to_chars(buf, buf + sizeof buf, v);
+    line_ += ' ';
+    line_.append(buf, ec == std::errc() ? end : buf);
+  }
+  // One line's worth of bytes. At the end of the file there is none; a line that the file cuts
+  // short is given as far as it goes, and `cut()` says so.
+  bool nextBinary(Line& line, Shape shape) {
+    const std::size_t start = at_;
+    line_.clear();
+    if (at_ == text_.size()) return false;
+    bool ok = true;
+    if (shape == Shape::Segment || shape == Shape::Term || shape == Shape::Bound)
+      line_ += text_[at_++];
+    {
+      const char key = line_.empty() ? ' ' : line_[0];
+      switch (shape) {
+        case Shape::Segment:
+          for (int k = segmentCounts(key); ok && k > 0; --k) ok = whole();
+          if (ok && key == 'S') {  // "Skind count name", the name after its length
+            line_.erase(1, 1);
+            uint64_t length = 0;
+            ok = bits(4, length) && length <= text_.size() - at_;
+            if (ok) line_.append(" ").append(text_, at_, length);
+            if (ok) at_ += length;
+          }
+          break;
+        case Shape::Term:
+          if (key == 'n') ok = real();
+          else if (key == 'o' || key == 'v' || key == 'l') ok = whole();
+          else if (key == 's') ok = whole(2);
+          break;
+        case Shape::Count:
+          ok = whole();
+          break;
+        case Shape::Pair:
+          ok = whole() && real();
+          break;
+        case Shape::WholePair:
+          ok = whole() && whole();
+          break;
+        case Shape::Bound: {
+          static constexpr int kValues[] = {2, 1, 1, 0, 1};
+          const int code = key - '0';
+          line_[0] = ' ';
+          line_ += std::to_string(code);
+          for (int k = code >= 0 && code < 5 ? kValues[code] : 0; ok && k > 0; --k) ok = real();
+          break;
+        }
+      }
+    }
+    cut_ = !ok;
+    if (cut_) {  // no number of it can be read, and nothing after it
+      line_ += " ?";
+      at_ = text_.size();
+    }
+    line = {line_, static_cast<int64_t>(start)};
+    return true;
+  }
+
   std::string path_;
   std::string text_;
   std::size_t at_ = 0;
   int64_t number_ = 0;
+  bool binary_ = false;
+  bool cut_ = false;
+  std::string line_;  // the line spelled out of the binary form
 };
 
 // Whole numbers and reals of one line, blank-separated.
@@ -121,7 +236,7 @@ class NlReader {
 
  private:
   bool fail(const Line& line, const std::string& what) {
-    error_ = in_.at(line) + what;
+    error_ = in_.at(line) + what + (in_.cut() ? " (the file ends there)" : "");
     return false;
   }
   // A header or segment line of whole numbers: `count` of them at least, `most` at most.
@@ -131,7 +246,8 @@ class NlReader {
   bool expression(std::vector<int32_t>& vars, bool& single, double& constant);
   // `count` lines "index number" of the segment begun on `head` (J, G and V terms, x, d and
   // suffix values), each index below `limit`.
-  bool pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out);
+  bool pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out,
+                 Shape shape = Shape::Pair);
   bool boundLines(const Line& head, long count, std::vector<int>& code, std::vector<double>& lo,
                   std::vector<double>& up, bool rows);
   bool build();
@@ -179,9 +295,9 @@ bool NlReader::header() {
     error_ = path_ + ": an empty file, not an AMPL .nl file";
     return false;
   }
-  if (l.text[0] == 'b')
-    return fail(l, "the binary form of .nl is not read by this host; write the text form");
-  if (l.text[0] != 'g') return fail(l, "not an AMPL .nl file (its first line begins with g)");
+  if (l.text[0] != 'g' && l.text[0] != 'b')
+    return fail(l, "not an AMPL .nl file (its first line begins with g, or b in the binary form)");
+  const bool binary = l.text[0] == 'b';
   std::vector<long> v;
   struct Step {
     std::size_t least, most;
@@ -199,7 +315,7 @@ bool NlReader::header() {
       {5, 5, "the counts of common expressions"},
   };
   for (const Step& s : steps) {
-    if (!in_.need(l, "the end of the header", error_)) return false;
+    if (!in_.need(l, "the end of the header", error_, Shape::Segment)) return false;
     if (!numbers(l, l.text, s.least, s.most, v, s.what)) return false;
     if (&s == &steps[0]) {
       nVar_ = v[0]; nCon_ = v[1]; nObj_ = v[2];
@@ -227,6 +343,7 @@ bool NlReader::header() {
       defined_ = v[0] + v[1] + v[2] + v[3] + v[4];
     }
   }
+  if (binary) in_.binaryFromHere();
   // Every variable and constraint takes a line of its bounds, every objective and defined
   // variable a segment: counts beyond the file's size are a damaged header.
   const auto bytes = static_cast<long>(in_.size());
@@ -257,7 +374,7 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
     }
   };
   while (open > 0) {
-    if (!in_.need(l, "the end of an expression", error_)) return false;
+    if (!in_.need(l, "the end of an expression", error_, Shape::Term)) return false;
     ++terms;
     const char kind = l.text.empty() ? ' ' : l.text[0];
     std::vector<double> v;
@@ -274,7 +391,7 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
         if (arity < 0) {
           Line count;
           std::vector<long> c;
-          if (!in_.need(count, "the count of operands", error_) ||
+          if (!in_.need(count, "the count of operands", error_, Shape::Count) ||
               !numbers(count, count.text, 1, 1, c, "the count of operands") )
             return false;
           if (c[0] < 1) return fail(count, "an operator needs one operand or more");
@@ -309,11 +426,12 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
   return true;
 }
 
-bool NlReader::pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out) {
+bool NlReader::pairLines(const Line& head, long count, int32_t limit, std::vector<Linear>& out,
+                         Shape shape) {
   Line l;
   std::vector<double> v;
   for (long k = 0; k < count; ++k) {
-    if (!in_.need(l, "the end of the segment that begins on line " + std::to_string(head.number), error_))
+    if (!in_.need(l, "the end of the segment that begins " + in_.place(head), error_, shape))
       return false;
     if (!splitNumbers(l.text, v) || v.size() != 2 || !wholeNumber(v[0]) || v[0] < 0 ||
         v[0] >= limit || !std::isfinite(v[1]))
@@ -334,7 +452,7 @@ bool NlReader::boundLines(const Line& head, long count, std::vector<int>& code,
   std::vector<double> v;
   static constexpr std::size_t kValues[] = {2, 1, 1, 0, 1};
   for (long k = 0; k < count; ++k) {
-    if (!in_.need(l, "the end of the bounds", error_)) return false;
+    if (!in_.need(l, "the end of the bounds", error_, Shape::Bound)) return false;
     if (!splitNumbers(l.text, v) || v.empty() || !wholeNumber(v[0]) || v[0] < 0 || v[0] > 5)
       return fail(l, "expected a bound code from 0 to 4 and its values");
     const int c = static_cast<int>(v[0]);
@@ -444,7 +562,7 @@ bool NlReader::read() {
         Line c;
         std::vector<long> one;
         for (long k = 0; k < v[0]; ++k)
-          if (!in_.need(c, "the end of the column counts", error_) ||
+          if (!in_.need(c, "the end of the column counts", error_, Shape::Count) ||
               !numbers(c, c.text, 1, 1, one, "a column count"))
             return false;
         break;
@@ -455,12 +573,14 @@ bool NlReader::read() {
         const auto blank = t.find_first_of(" \t");
         const auto second = blank == std::string_view::npos ? t.npos : t.find_first_of(" \t", t.find_first_not_of(" \t", blank));
         if (!splitNumbers(t.substr(0, second), s) || s.size() != 2 || !wholeNumber(s[0]) ||
-            !wholeNumber(s[1]) || s[1] < 0)
+            !wholeNumber(s[1]) || s[1] < 0 || in_.cut())
           return fail(l, "expected S, a suffix kind, a count and a name");
         const int target = static_cast<int>(s[0]) & 3;
         const long limit = target == 0 ? nVar_ : target == 1 ? nCon_ : target == 2 ? nObj_ : 1;
         std::vector<Linear> values;
-        if (!pairLines(l, static_cast<long>(s[1]), static_cast<int32_t>(limit), values)) return false;
+        if (!pairLines(l, static_cast<long>(s[1]), static_cast<int32_t>(limit), values,
+                       (static_cast<int>(s[0]) & 4) ? Shape::Pair : Shape::WholePair))
+          return false;
         break;
       }
       case 'F':
