@@ -127,6 +127,18 @@ void reportUnmet(const SelectionContext& context, const SelectionSide& side, int
 }  // namespace
 
 bool matchPattern(std::string_view pattern, std::string_view text) {
+  // Most patterns of a list differ from a name at the first character. A pattern that begins
+  // with a plain character meets nothing whose normalized first character differs: that is
+  // told without normalizing the whole name.
+  const char lead0 = pattern.empty() ? ' ' : pattern[0];
+  if (lead0 != ' ' && lead0 != '*' && lead0 != '?' && !isQuote(lead0)) {
+    size_t p = 0;
+    while (p < text.size() && (text[p] == ' ' || text[p] == '\'')) ++p;
+    char first = p < text.size() ? text[p] : ' ';
+    if (static_cast<unsigned char>(first) < 21) first = ' ';
+    if (first >= 'a' && first <= 'z') first = static_cast<char>(first - 'a' + 'A');
+    if (first != lead0) return false;
+  }
   char name[kName];
   normalizeName(text, name);
   char pat[kName];
