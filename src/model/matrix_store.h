@@ -70,3 +70,11 @@ int evaluateJacobianAt(ModelStore& store, oveHandle environment, ovmHandle model
 void transposeMatrix(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef);
+
+// The same for the rows that rowKept marks 1 or above only: the others get no entries (their
+// rowFill ends at 0), so that the row form takes no more room than the rows that are read from
+// it. Gives the number of entries placed.
+int32_t transposeRows(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
+                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
+                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef,
+                      Vec1<int32_t> rowKept);

@@ -392,14 +392,16 @@ void rowPass(Engine& e) {
   const DisplayRegions& r = e.r;
   if (e.entryCount == 0) return;
   e.columnInScope = true;
-  transposeMatrix(rs.rowCount, rs.colCount, e.entryCount, r.rowFill, r.colStart, r.rowColIndex,
-                  r.rowStart, r.colRowIndex, r.rowCoef, r.colCoef);
+  // Only a selected row shows anything of its entries: the row form holds those rows alone.
+  const int32_t rowEntries =
+      transposeRows(rs.rowCount, rs.colCount, e.entryCount, r.rowFill, r.colStart, r.rowColIndex,
+                    r.rowStart, r.colRowIndex, r.rowCoef, r.colCoef, r.rowSelected);
   int32_t row = 1;
   e.itemShown = 0;
   e.firstOfPass = 0;
   e.lastRowShown = 0;
   clearRowSums(e);
-  for (int32_t k = 1; k <= e.entryCount; ++k) {
+  for (int32_t k = 1; k <= rowEntries; ++k) {
     while (row < rs.rowCount && r.rowStart[row + 1] <= k) {
       ++row;
       e.itemShown = 0;
@@ -422,7 +424,7 @@ void rowPass(Engine& e) {
         }
       }
     }
-    const bool lastOfRow = row == rs.rowCount ? k == e.entryCount : k + 1 >= r.rowStart[row + 1];
+    const bool lastOfRow = row == rs.rowCount ? k == rowEntries : k + 1 >= r.rowStart[row + 1];
     if (e.itemShown > 0 && lastOfRow) {
       if (e.mode->entries == EntryForm::Coefficient) closeEquationRelation(e, row);
       if (e.mode->entries == EntryForm::Accounts) closeRowSum(e, row);
