@@ -40,7 +40,11 @@ int openJacobian(ModelStore& store, oveHandle environment, ovmHandle model, int3
   if (rows < 0 || cols < 0 || nz < 0) return 5;
   if (!allocate(store.colStartData, store.jacColStart, cols + 1)) return 1;
   if (!allocate(store.rowData, store.jacRow, store.jacCapacity)) return 2;
-  if (!allocate(store.nonlinearData, store.jacNonlinear, store.jacCapacity)) return 3;
+  store.jacNonlinear = {};
+  store.nonlinearData.reset(
+      static_cast<int32_t*>(std::calloc(static_cast<size_t>(store.jacCapacity), sizeof(int32_t))));
+  if (store.nonlinearData == nullptr) return 3;
+  store.jacNonlinear = {store.nonlinearData.get(), store.jacCapacity};
   if (!allocate(store.valueData, store.jacValue, store.jacCapacity)) return 4;
   if (ovmNLN(model) > 0) {
     const int status = oveInitJacLegacy(environment, store.jacEvaluator, model);
@@ -78,7 +82,7 @@ bool fillJacobian(ModelStore& store, oveHandle, ovmHandle model) {
       const auto k = static_cast<int32_t>(count);
       store.jacValue[k] = value;
       store.jacRow[k] = row;
-      store.jacNonlinear[k] = nonlinear > 0 ? nonlinear : 0;
+      if (nonlinear > 0) store.jacNonlinear[k] = nonlinear;
     } while (cursor != 0);
   }
   if (faulty) return true;

@@ -13,6 +13,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "host/host.h"
@@ -33,8 +35,11 @@ struct ModelStore {
   bool jacOpen = false;           // the arrays exist and the evaluator is ready
   bool jacFilled = false;         // the arrays are filled
 
-  std::vector<int32_t> colStartData, rowData, nonlinearData;
+  std::vector<int32_t> colStartData, rowData;
   std::vector<double> valueData;
+  // The marks are asked of the system as zeroed memory and only a nonlinear entry's mark is
+  // written: a linear model's marks never take a page.
+  std::unique_ptr<int32_t[], void (*)(void*)> nonlinearData{nullptr, std::free};
 
   ModelStore() = default;
   ModelStore(const ModelStore&) = delete;
