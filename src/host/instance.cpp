@@ -73,7 +73,7 @@ void hostCompleteInstance(HostInstance& inst) {
   fillTo(inst.colMarginal, n, 0.0);
   fillTo(inst.colCStat, n, 0);
   if (inst.colStart.size() < n + 1) inst.colStart.resize(n + 1, hostNzCount(inst));
-  fillTo(inst.entryNonlinear, inst.entryRow.size(), 0);
+  if (!inst.entryNonlinear.empty()) fillTo(inst.entryNonlinear, inst.entryRow.size(), 0);
   std::vector<bool> rowGiven(m, true), colGiven(n, true);
   for (std::size_t i = inst.rowStat.size(); i < m; ++i) rowGiven[i] = false;
   for (std::size_t j = inst.colStat.size(); j < n; ++j) colGiven[j] = false;
@@ -114,7 +114,7 @@ bool hostCheckInstance(const HostInstance& inst, std::string& error) {
     if (inst.colStart[j + 1] < inst.colStart[j]) return bad("column starts decrease");
   const auto nz = static_cast<std::size_t>(inst.colStart[n]);
   if (inst.entryRow.size() != nz || inst.entryValue.size() != nz ||
-      inst.entryNonlinear.size() != nz)
+      (!inst.entryNonlinear.empty() && inst.entryNonlinear.size() != nz))
     return bad("entry vectors do not match the column starts");
   for (int32_t r : inst.entryRow)
     if (r < 0 || r >= inst.rowCount) return bad("an entry names a row that does not exist");

@@ -75,7 +75,9 @@ struct HostInstance {
   std::vector<int32_t> colCStat;
 
   // The matrix by columns: entries of column j (0-based) are colStart[j] .. colStart[j+1]-1;
-  // entryRow is 0-based, entryNonlinear is 1 for a nonlinear entry.
+  // entryRow is 0-based, entryNonlinear is 1 for a nonlinear entry. A linear model may leave
+  // entryNonlinear empty, and the file readers of linear formats do: a mark per entry that is
+  // always 0 would take as much memory as the rows of the entries.
   std::vector<int32_t> colStart;
   std::vector<int32_t> entryRow;
   std::vector<double> entryValue;
@@ -118,6 +120,11 @@ bool hostInfiniteBounds(HostInstance& inst, std::string& error);
 // Number of nonzeros of an instance.
 inline int32_t hostNzCount(const HostInstance& inst) {
   return inst.colStart.empty() ? 0 : inst.colStart.back();
+}
+
+// Whether entry k (0-based) is nonlinear.
+inline bool hostEntryNonlinear(const HostInstance& inst, std::size_t k) {
+  return !inst.entryNonlinear.empty() && inst.entryNonlinear[k] > 0;
 }
 
 // Number of entries flagged nonlinear.

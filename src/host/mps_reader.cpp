@@ -559,7 +559,6 @@ void MpsReader::finish(const SymbolRule& rule) {
   inst.minimizing = !maximize;
   inst.sourcePath = path;
   inst.inputName = baseName(path);
-  inst.entryNonlinear.assign(inst.entryRow.size(), 0);
 
   // Names: one parsed name at a time, by the rule each kind's names call for.
   auto eachRow = [&](const std::function<void(std::string_view)>& f) {
