@@ -358,7 +358,7 @@ double ovmGetRhsOne(ovmHandle model, int32_t row) {
 }
 double ovmGetEquScaleOne(ovmHandle model, int32_t row) {
   const int32_t i = row0(model, row);
-  return i < 0 ? 1.0 : model->inst->rowScale[i];
+  return i < 0 || model->inst->rowScale.empty() ? 1.0 : model->inst->rowScale[i];
 }
 double ovmGetEquLOne(ovmHandle model, int32_t row) {
   const int32_t i = row0(model, row);
@@ -391,7 +391,7 @@ int32_t ovmGetVarTypeOne(ovmHandle model, int32_t col) {
 }
 double ovmGetVarScaleOne(ovmHandle model, int32_t col) {
   const int32_t j = col0(model, col);
-  return j < 0 ? 1.0 : model->inst->colScale[j];
+  return j < 0 || model->inst->colScale.empty() ? 1.0 : model->inst->colScale[j];
 }
 double ovmGetVarLOne(ovmHandle model, int32_t col) {
   const int32_t j = col0(model, col);

@@ -62,13 +62,13 @@ void hostCompleteInstance(HostInstance& inst) {
   const auto m = static_cast<std::size_t>(inst.rowCount);
   const auto n = static_cast<std::size_t>(inst.colCount);
   fillTo(inst.rowRhs, m, 0.0);
-  fillTo(inst.rowScale, m, 1.0);
+  if (!inst.rowScale.empty()) fillTo(inst.rowScale, m, 1.0);
   fillTo(inst.rowLevel, m, 0.0);
   fillTo(inst.rowMarginal, m, 0.0);
   fillTo(inst.rowCStat, m, 0);
   fillTo(inst.colLower, n, 0.0);
   fillTo(inst.colUpper, n, kHostInf);
-  fillTo(inst.colScale, n, 1.0);
+  if (!inst.colScale.empty()) fillTo(inst.colScale, n, 1.0);
   fillTo(inst.colLevel, n, 0.0);
   fillTo(inst.colMarginal, n, 0.0);
   fillTo(inst.colCStat, n, 0);
@@ -98,12 +98,13 @@ bool hostCheckInstance(const HostInstance& inst, std::string& error) {
     return false;
   };
   if (inst.rowCount < 0 || inst.colCount < 0) return bad("negative size");
-  if (inst.rowType.size() != m || inst.rowRhs.size() != m || inst.rowScale.size() != m ||
+  auto sized = [](const std::vector<double>& v, std::size_t k) { return v.empty() || v.size() == k; };
+  if (inst.rowType.size() != m || inst.rowRhs.size() != m || !sized(inst.rowScale, m) ||
       inst.rowLevel.size() != m || inst.rowMarginal.size() != m || inst.rowStat.size() != m ||
       inst.rowCStat.size() != m || inst.rowSymbol.size() != m || inst.rowUelStart.size() != m + 1)
     return bad("row vectors do not match the row count");
   if (inst.colType.size() != n || inst.colLower.size() != n || inst.colUpper.size() != n ||
-      inst.colScale.size() != n || inst.colLevel.size() != n || inst.colMarginal.size() != n ||
+      !sized(inst.colScale, n) || inst.colLevel.size() != n || inst.colMarginal.size() != n ||
       inst.colStat.size() != n || inst.colCStat.size() != n || inst.colSymbol.size() != n ||
       inst.colUelStart.size() != n + 1 || inst.colStart.size() != n + 1)
     return bad("column vectors do not match the column count");
