@@ -30,7 +30,8 @@ TEST(MatchPattern, EveryRuleOfThePatterns) {
       {"'NEW*'", "NEWARK", false}, {"\"AB", "ab", true},      {"\"AB'", "\"ab\"", true},
       {"", "X", true},           {"   ", "X", true},         {"  AB", "ab", true},
       {"AB", "  'ab", true},     {"A B", "A\tB", true},      {a31, a31 + "BCD", true},
-      {a31 + "X", a31, true},    {"\xc3\xa9", "\xc3\xa9", true},
+      {a31 + "X", a31, true},    {"\xc3\xa9", "\xc3\xa9", true}, {"BC", "abc", false},
+      {"X*", "  'x1", true},
   };
   // clang-format on
   for (const Case& c : cases) {

@@ -174,6 +174,19 @@ TEST(TransposeMatrix, RowsInAscendingColumnOrderWithNonlinearMarks) {
   EXPECT_EQ(f.rowFill, (std::vector<int32_t>{2, 2, 2}));
 }
 
+TEST(TransposeMatrix, RowsLeftOutTakeNoRoom) {
+  ColumnForm f;
+  std::vector<int32_t> kept = {1, 0, 2};
+  EXPECT_EQ(transposeRows(3, 4, 6, view(f.rowFill), view(f.colStart), view(f.rowColIndex),
+                          view(f.rowStart), view(f.colRowIndex), view(f.rowCoef), view(f.colCoef),
+                          view(kept)),
+            4);
+  EXPECT_EQ(f.rowStart, (std::vector<int32_t>{1, 3, 3}));
+  EXPECT_EQ(f.rowColIndex, (std::vector<int32_t>{1, -3, 3, 4, 0, 0}));
+  EXPECT_EQ(f.rowCoef, (std::vector<double>{2.0, 4.0, -1.0, 6.0, 0.0, 0.0}));
+  EXPECT_EQ(f.rowFill, (std::vector<int32_t>{2, 0, 2}));
+}
+
 TEST(TransposeMatrix, LastColumnEndsAtTheEntriesUsed) {
   // Regions are larger than the entries in use: the last column stops at nzUsed.
   ColumnForm f;

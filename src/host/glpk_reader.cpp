@@ -260,7 +260,6 @@ void convertProblem(glp_prob* p, ReadJob& job) {
     inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
     inst.objVar = static_cast<int32_t>(inst.colType.size());
   }
-  inst.entryNonlinear.assign(inst.entryRow.size(), 0);
   hostDistinctNames(rowNames, rowMade);
   hostDistinctNames(colNames, colMade);
   hostBuildDictionary(inst, rowNames, colNames);

@@ -358,7 +358,7 @@ double ovmGetRhsOne(ovmHandle model, int32_t row) {
 }
 double ovmGetEquScaleOne(ovmHandle model, int32_t row) {
   const int32_t i = row0(model, row);
-  return i < 0 ? 1.0 : model->inst->rowScale[i];
+  return i < 0 || model->inst->rowScale.empty() ? 1.0 : model->inst->rowScale[i];
 }
 double ovmGetEquLOne(ovmHandle model, int32_t row) {
   const int32_t i = row0(model, row);
@@ -391,7 +391,7 @@ int32_t ovmGetVarTypeOne(ovmHandle model, int32_t col) {
 }
 double ovmGetVarScaleOne(ovmHandle model, int32_t col) {
   const int32_t j = col0(model, col);
-  return j < 0 ? 1.0 : model->inst->colScale[j];
+  return j < 0 || model->inst->colScale.empty() ? 1.0 : model->inst->colScale[j];
 }
 double ovmGetVarLOne(ovmHandle model, int32_t col) {
   const int32_t j = col0(model, col);
@@ -430,7 +430,7 @@ int ovmGetColJacInfoOne(ovmHandle model, int32_t col, int32_t& cursor, double& v
   const int32_t k = begin + cursor;
   value = in.entryValue[k];
   row = in.entryRow[k] + model->base;
-  nonlinear = in.entryNonlinear[k] > 0 ? 1 : 0;
+  nonlinear = hostEntryNonlinear(in, static_cast<std::size_t>(k)) ? 1 : 0;
   cursor = cursor + 1 < length ? cursor + 1 : 0;
   return 0;
 }
@@ -519,7 +519,7 @@ int oveInitJacLegacy(oveHandle, oveEvaluator& evaluator, ovmHandle model) {
     for (int32_t k = in.colStart[j]; k < in.colStart[j + 1]; ++k) {
       ev.entryCol[k] = j;
       ++ev.rowStart[in.entryRow[k] + 1];
-      if (in.entryNonlinear[k] > 0) nonlinearRow[in.entryRow[k]] = 1;
+      if (hostEntryNonlinear(in, static_cast<std::size_t>(k))) nonlinearRow[in.entryRow[k]] = 1;
     }
   for (int32_t i = 0; i < in.rowCount; ++i) ev.rowStart[i + 1] += ev.rowStart[i];
   ev.rowEntries.assign(static_cast<std::size_t>(nz), 0);

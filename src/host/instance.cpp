@@ -62,18 +62,18 @@ void hostCompleteInstance(HostInstance& inst) {
   const auto m = static_cast<std::size_t>(inst.rowCount);
   const auto n = static_cast<std::size_t>(inst.colCount);
   fillTo(inst.rowRhs, m, 0.0);
-  fillTo(inst.rowScale, m, 1.0);
+  if (!inst.rowScale.empty()) fillTo(inst.rowScale, m, 1.0);
   fillTo(inst.rowLevel, m, 0.0);
   fillTo(inst.rowMarginal, m, 0.0);
   fillTo(inst.rowCStat, m, 0);
   fillTo(inst.colLower, n, 0.0);
   fillTo(inst.colUpper, n, kHostInf);
-  fillTo(inst.colScale, n, 1.0);
+  if (!inst.colScale.empty()) fillTo(inst.colScale, n, 1.0);
   fillTo(inst.colLevel, n, 0.0);
   fillTo(inst.colMarginal, n, 0.0);
   fillTo(inst.colCStat, n, 0);
   if (inst.colStart.size() < n + 1) inst.colStart.resize(n + 1, hostNzCount(inst));
-  fillTo(inst.entryNonlinear, inst.entryRow.size(), 0);
+  if (!inst.entryNonlinear.empty()) fillTo(inst.entryNonlinear, inst.entryRow.size(), 0);
   std::vector<bool> rowGiven(m, true), colGiven(n, true);
   for (std::size_t i = inst.rowStat.size(); i < m; ++i) rowGiven[i] = false;
   for (std::size_t j = inst.colStat.size(); j < n; ++j) colGiven[j] = false;
@@ -98,12 +98,13 @@ bool hostCheckInstance(const HostInstance& inst, std::string& error) {
     return false;
   };
   if (inst.rowCount < 0 || inst.colCount < 0) return bad("negative size");
-  if (inst.rowType.size() != m || inst.rowRhs.size() != m || inst.rowScale.size() != m ||
+  auto sized = [](const std::vector<double>& v, std::size_t k) { return v.empty() || v.size() == k; };
+  if (inst.rowType.size() != m || inst.rowRhs.size() != m || !sized(inst.rowScale, m) ||
       inst.rowLevel.size() != m || inst.rowMarginal.size() != m || inst.rowStat.size() != m ||
       inst.rowCStat.size() != m || inst.rowSymbol.size() != m || inst.rowUelStart.size() != m + 1)
     return bad("row vectors do not match the row count");
   if (inst.colType.size() != n || inst.colLower.size() != n || inst.colUpper.size() != n ||
-      inst.colScale.size() != n || inst.colLevel.size() != n || inst.colMarginal.size() != n ||
+      !sized(inst.colScale, n) || inst.colLevel.size() != n || inst.colMarginal.size() != n ||
       inst.colStat.size() != n || inst.colCStat.size() != n || inst.colSymbol.size() != n ||
       inst.colUelStart.size() != n + 1 || inst.colStart.size() != n + 1)
     return bad("column vectors do not match the column count");
@@ -114,7 +115,7 @@ bool hostCheckInstance(const HostInstance& inst, std::string& error) {
     if (inst.colStart[j + 1] < inst.colStart[j]) return bad("column starts decrease");
   const auto nz = static_cast<std::size_t>(inst.colStart[n]);
   if (inst.entryRow.size() != nz || inst.entryValue.size() != nz ||
-      inst.entryNonlinear.size() != nz)
+      (!inst.entryNonlinear.empty() && inst.entryNonlinear.size() != nz))
     return bad("entry vectors do not match the column starts");
   for (int32_t r : inst.entryRow)
     if (r < 0 || r >= inst.rowCount) return bad("an entry names a row that does not exist");

@@ -55,7 +55,8 @@ struct HostInstance {
   bool hasScale = false;   // scale factors exist (ovmScaleOpt)
 
   // Rows, 0-based. Levels, marginals and statuses are those of the solution, or the
-  // instance's own values when none was loaded.
+  // instance's own values when none was loaded. rowScale and colScale may be empty: every
+  // factor is 1, as an instance without scale factors leaves them.
   std::vector<int32_t> rowType;
   std::vector<double> rowRhs;
   std::vector<double> rowScale;
@@ -75,7 +76,9 @@ struct HostInstance {
   std::vector<int32_t> colCStat;
 
   // The matrix by columns: entries of column j (0-based) are colStart[j] .. colStart[j+1]-1;
-  // entryRow is 0-based, entryNonlinear is 1 for a nonlinear entry.
+  // entryRow is 0-based, entryNonlinear is 1 for a nonlinear entry. A linear model may leave
+  // entryNonlinear empty, and the file readers of linear formats do: a mark per entry that is
+  // always 0 would take as much memory as the rows of the entries.
   std::vector<int32_t> colStart;
   std::vector<int32_t> entryRow;
   std::vector<double> entryValue;
@@ -120,10 +123,16 @@ inline int32_t hostNzCount(const HostInstance& inst) {
   return inst.colStart.empty() ? 0 : inst.colStart.back();
 }
 
+// Whether entry k (0-based) is nonlinear.
+inline bool hostEntryNonlinear(const HostInstance& inst, std::size_t k) {
+  return !inst.entryNonlinear.empty() && inst.entryNonlinear[k] > 0;
+}
+
 // Number of entries flagged nonlinear.
 int32_t hostNonlinearCount(const HostInstance& inst);
 
-// Fills what an instance built in code leaves empty: scale factors 1, levels and marginals 0,
+// Fills what an instance built in code leaves empty: scale factors 1 (where some are given;
+// none given stays empty, all 1), levels and marginals 0,
 // condition statuses 0, basis statuses from the levels (hostDefaultStatuses), no nonlinear
 // marks, and, when it has no dictionary, the names R1..Rm and C1..Cn (symbols R and
 // C, one label each). Sizes given by the vectors that are filled: rowType and colType.

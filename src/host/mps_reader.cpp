@@ -14,27 +14,26 @@
 
 namespace {
 
-// Names of one kind, kept once in an arena and found by an open-addressing hash table. In the
-// arena each name follows its index and length; a slot holds the upper bits of the name's hash
-// and where it lies in the arena, so that a probe reads the arena only when the bits agree and
-// then finds index, length and text side by side.
+// Names of one kind, kept once in an arena and found by an open-addressing hash table. A slot
+// holds the upper bits of the name's hash, its index and length, and its first kInline bytes,
+// so that finding a name of up to kInline bytes, as most model names are, reads one slot and
+// nothing else; the rest of a longer name is compared in the arena.
 struct NameTable {
-  static constexpr int kOffsetBits = 40;
-  static constexpr uint64_t kOffsetMask = (uint64_t{1} << kOffsetBits) - 1;
-  std::string arena;
-  std::vector<std::size_t> start;  // arena offset of each name's header
-  std::vector<uint64_t> slots;     // hash's top bits << 40 | offset + 1; 0 for an empty slot
+  static constexpr std::size_t kInline = 20;
+  struct alignas(32) Slot {
+    uint32_t tag = 0;
+    int32_t index = -1;  // -1: an empty slot
+    uint32_t length = 0;
+    char text[kInline] = {};
+  };
+  std::string arena;                   // the names' texts, one after the other
+  std::vector<std::size_t> start{0};   // arena offset of each name, and one past the last
+  std::vector<Slot> slots;
 
-  int32_t size() const { return static_cast<int32_t>(start.size()); }
-  static std::string_view textAt(const std::string& arena, std::size_t offset, int32_t& index) {
-    uint32_t header[2];
-    std::memcpy(header, arena.data() + offset, sizeof header);
-    index = static_cast<int32_t>(header[0]);
-    return std::string_view(arena).substr(offset + sizeof header, header[1]);
-  }
+  int32_t size() const { return static_cast<int32_t>(start.size() - 1); }
   std::string_view name(int32_t k) const {
-    int32_t index = 0;
-    return textAt(arena, start[k], index);
+    const auto at = static_cast<std::size_t>(k);
+    return std::string_view(arena).substr(start[at], start[at + 1] - start[at]);
   }
   static uint64_t hash(std::string_view s) {
     uint64_t h = 1469598103934665603ull;
@@ -45,47 +44,42 @@ struct NameTable {
     h *= 0xd6e8feb86659fd93ull;
     return h ^ (h >> 32);
   }
-  // The slot where `s`, of hash `h`, is or would go; `index` gets its index when it is there.
-  std::size_t slotOf(std::string_view s, uint64_t h, int32_t& index) const {
+  bool holds(const Slot& slot, uint32_t tag, std::string_view s) const {
+    if (slot.tag != tag || slot.length != s.size()) return false;
+    if (std::memcmp(slot.text, s.data(), std::min(s.size(), kInline)) != 0) return false;
+    return s.size() <= kInline || name(slot.index) == s;
+  }
+  // The slot where `s`, of hash `h`, is or would go.
+  std::size_t slotOf(std::string_view s, uint64_t h) const {
     const std::size_t mask = slots.size() - 1;
-    const uint64_t tag = h & ~kOffsetMask;
+    const auto tag = static_cast<uint32_t>(h >> 32);
     std::size_t at = static_cast<std::size_t>(h) & mask;
-    index = -1;
-    while (slots[at] != 0) {
-      if ((slots[at] & ~kOffsetMask) == tag) {
-        int32_t k = 0;
-        if (textAt(arena, (slots[at] & kOffsetMask) - 1, k) == s) {
-          index = k;
-          break;
-        }
-      }
-      at = (at + 1) & mask;
-    }
+    while (slots[at].index >= 0 && !holds(slots[at], tag, s)) at = (at + 1) & mask;
     return at;
   }
   int32_t find(std::string_view s) const {
-    int32_t index = -1;
-    if (!slots.empty()) slotOf(s, hash(s), index);
-    return index;
+    if (slots.empty()) return -1;
+    return slots[slotOf(s, hash(s))].index;
   }
   // Adds `s`, which must not be there yet; returns its index.
   int32_t add(std::string_view s) {
     if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
-      slots.assign(std::max<std::size_t>(64, slots.size() * 2), 0);
-      for (int32_t k = 0; k < size(); ++k) place(name(k), start[k]);
+      slots.assign(std::max<std::size_t>(64, slots.size() * 2), Slot{});
+      for (int32_t k = 0; k < size(); ++k) place(name(k), k);
     }
     const int32_t k = size();
-    const uint32_t header[2] = {static_cast<uint32_t>(k), static_cast<uint32_t>(s.size())};
-    start.push_back(arena.size());
-    arena.append(reinterpret_cast<const char*>(header), sizeof header);
     arena.append(s);
-    place(s, start.back());
+    start.push_back(arena.size());
+    place(s, k);
     return k;
   }
-  void place(std::string_view s, std::size_t offset) {
+  void place(std::string_view s, int32_t k) {
     const uint64_t h = hash(s);
-    int32_t index = 0;
-    slots[slotOf(s, h, index)] = (h & ~kOffsetMask) | (offset + 1);
+    Slot& slot = slots[slotOf(s, h)];
+    slot.tag = static_cast<uint32_t>(h >> 32);
+    slot.index = k;
+    slot.length = static_cast<uint32_t>(s.size());
+    std::memcpy(slot.text, s.data(), std::min(s.size(), kInline));
   }
 };
 
@@ -557,7 +551,6 @@ void MpsReader::finish(const SymbolRule& rule) {
   inst.minimizing = !maximize;
   inst.sourcePath = path;
   inst.inputName = baseName(path);
-  inst.entryNonlinear.assign(inst.entryRow.size(), 0);
 
   // Names: one parsed name at a time, by the rule each kind's names call for.
   auto eachRow = [&](const std::function<void(std::string_view)>& f) {

@@ -174,7 +174,7 @@ bool readNlSolutionFile(const std::string& path, const HostInstance& inst, HostS
   auto slotOf = [&](std::size_t row) { return static_cast<std::size_t>(inst.rowNlItem[row] + std::max(0L, objs)); };
   std::vector<char> nonlinearSlot(slots, 0);
   for (std::size_t k = 0; k < inst.entryRow.size(); ++k)
-    if (inst.entryNonlinear[k] > 0) nonlinearSlot[slotOf(static_cast<std::size_t>(inst.entryRow[k]))] = 1;
+    if (hostEntryNonlinear(inst, k)) nonlinearSlot[slotOf(static_cast<std::size_t>(inst.entryRow[k]))] = 1;
   std::vector<NlRequest> requests;
   std::vector<int32_t> requestOf(slots, -1), lastCol(slots, -1);
   for (std::size_t s = 0; s < slots; ++s)

@@ -7,7 +7,6 @@
 
 #include "analysis/analysis.h"
 #include "model/blocks.h"
-#include "model/matrix_store.h"
 #include "request/item_selection.h"
 #include "request/section_reader.h"
 
@@ -52,51 +51,96 @@ std::string_view cut(std::string& line, int32_t width) {
   return line;
 }
 
-// One walk over the items of a side: the requests that the current item meets, tested once per
-// item, and the counters of the item's entries.
-struct Walk {
-  const Side& side;
-  std::vector<int32_t> met;  // requests met by the current item
-  bool anyEntry = false, anyNonlinear = false;
-
-  void startItem() {
-    met.clear();
-    anyEntry = anyNonlinear = false;
+// The requests of a side that an item meets, each tested alone.
+void requestsMet(const Side& side, const ItemName& item, const RequestLists& lists,
+                 int32_t procIndex, SymbolMemo& memo, std::vector<int32_t>& met) {
+  met.clear();
+  for (int32_t k = 1; k <= side.count; ++k) {
+    const ItemMatch m = side.variables
+                            ? matchVarRequests(item, lists, SCOPE_ONE, k, procIndex, &memo)
+                            : matchEquRequests(item, lists, SCOPE_ONE, k, procIndex, &memo);
+    if (m.selected) met.push_back(k);
   }
-  // One entry of the current item into the tallies of the requests it meets.
-  void tally(double a, bool nonlinear) {
-    const bool firstEntry = !anyEntry;
-    const bool firstNonlinear = nonlinear && !anyNonlinear;
-    anyEntry = true;
-    anyNonlinear = anyNonlinear || nonlinear;
-    const bool negative = side.variables ? a < 0.0 : !(a > 0.0);
-    for (int32_t k : met) {
-      if (firstEntry) side.tally(k, TALLY_ITEMS) += 1;
-      if (firstNonlinear) side.tally(k, TALLY_NONLINEAR_ITEMS) += 1;
-      side.tally(k, TALLY_ENTRIES) += 1;
-      if (a > 0.0) side.tally(k, TALLY_POSITIVE) += 1;
-      if (negative) side.tally(k, TALLY_NEGATIVE) += 1;
-      if (nonlinear) side.tally(k, TALLY_NONLINEAR) += 1;
-    }
-  }
-};
+}
 
-// The counters of a listed item, for one entry; `inObjective` keeps it out of min and max.
-void countEntry(ItemCounts& c, double a, bool nonlinear, bool variables, bool inObjective) {
+// An item's counts into the tallies of the requests it meets; an item without entries counts
+// in none.
+void tallyItem(const Side& side, const std::vector<int32_t>& met, const ItemCounts& c) {
+  if (c.total == 0) return;
+  for (int32_t k : met) {
+    side.tally(k, TALLY_ITEMS) += 1;
+    side.tally(k, TALLY_NONLINEAR_ITEMS) += c.isNonlinear;
+    side.tally(k, TALLY_ENTRIES) += c.total;
+    side.tally(k, TALLY_POSITIVE) += c.positive;
+    side.tally(k, TALLY_NEGATIVE) += c.negative;
+    side.tally(k, TALLY_NONLINEAR) += c.nonlinear;
+  }
+}
+
+// The counters of a variable, for one entry; an entry in the objective row stays out of min and
+// max, and one of 0 out of min.
+void countEntry(ItemCounts& c, double a, bool nonlinear, bool inObjective) {
   c.total += 1;
-  if (a > 0.0) {
-    c.positive += 1;
-  } else if (a < 0.0 || !variables) {
-    c.negative += 1;
-  }
+  if (a > 0.0) c.positive += 1;
+  if (a < 0.0) c.negative += 1;
   if (nonlinear) {
     c.nonlinear += 1;
     c.isNonlinear = 1;
   }
   if (inObjective) return;
   const double size = std::fabs(a);
-  if (size < c.minimum && (a != 0.0 || !variables)) c.minimum = size;
+  if (size < c.minimum && a != 0.0) c.minimum = size;
   if (size > c.maximum) c.maximum = size;
+}
+
+// The sums of each row's entries, gathered by the column pass: the row pass needs no more of a
+// row, so the row form is never built. They live in the regions of the matrix, which MATCHIT
+// does not otherwise fill: rowFill counts a row's entries, and a row gets at its first entry a
+// place of its own in the entry regions (rowStart), where colRowIndex counts its entries above
+// 0, rowColIndex its nonlinear ones, and colCoef and rowCoef hold the smallest and largest size
+// outside the objective column. There are never more rows with entries than entries.
+struct RowSums {
+  Vec1<int32_t> entries, place, positive, nonlinear;
+  Vec1<double> minimum, maximum;
+  int32_t used = 0;  // places given
+
+  void add(int32_t i, double a, bool isNonlinear, bool objectiveColumn, double plusInf) {
+    int32_t at = place[i];
+    if (at == 0) {
+      if (used >= positive.size() || used >= minimum.size()) return;  // a host beyond nzCount
+      at = place[i] = ++used;
+      positive[at] = nonlinear[at] = 0;
+      minimum[at] = plusInf;
+      maximum[at] = -1.0;
+    }
+    entries[i] += 1;
+    if (a > 0.0) positive[at] += 1;
+    if (isNonlinear) nonlinear[at] += 1;
+    if (objectiveColumn) return;
+    const double size = std::fabs(a);
+    if (size < minimum[at]) minimum[at] = size;
+    if (size > maximum[at]) maximum[at] = size;
+  }
+
+  // The counters of row i as a listed equation counts them: an entry not above 0 is negative.
+  ItemCounts counts(int32_t i, double plusInf) const {
+    ItemCounts c;
+    c.minimum = plusInf;
+    const int32_t at = place[i];
+    if (at == 0) return c;
+    c.total = entries[i];
+    c.positive = positive[at];
+    c.negative = c.total - c.positive;
+    c.nonlinear = nonlinear[at];
+    c.isNonlinear = c.nonlinear > 0 ? 1 : 0;
+    c.minimum = minimum[at];
+    c.maximum = maximum[at];
+    return c;
+  }
+};
+
+RowSums rowSumsOf(const MatchItRegions& r) {
+  return {r.rowFill, r.rowStart, r.colRowIndex, r.rowColIndex, r.colCoef, r.rowCoef};
 }
 
 struct Report {
@@ -173,23 +217,24 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     }
   }
   const int32_t m = run.rowCount, n = run.colCount;
+  RowSums rows = rowSumsOf(r);
   for (int32_t i = 1; i <= m; ++i) {
     r.rowScale[i] = run.useScale != 0 ? ovmGetEquScaleOne(run.model, i) : 1.0;
-    r.rowFill[i] = 0;
+    rows.entries[i] = 0;
+    rows.place[i] = 0;
   }
 
   const int32_t width = std::clamp(run.pageWidth, 72, 174);
   Report report{run, width - 44, width - 69, "$nothing$", {}, {}};
   ItemNameBuffer names;
   SymbolMemo memo, tallyMemo;
-  Walk walk{vars, {}};
-  walk.met.reserve(static_cast<size_t>(std::max(vars.count, equs.count)));
+  std::vector<int32_t> met;
+  met.reserve(static_cast<size_t>(std::max(vars.count, equs.count)));
   bool headWritten = false;
 
-  // Column pass: the matrix by columns, the variable tallies and list.
-  int32_t p = 1;
+  // Column pass: the variable tallies and list, and the sums of every row.
+  int64_t entryCount = 0;
   for (int32_t j = 1; j <= n; ++j) {
-    r.colStart[j] = p;
     ItemCounts c;
     c.minimum = run.plusInf;
     const ItemName& item = columnName(run, run.dictionary, j, names);
@@ -198,24 +243,16 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     const bool selected = match.selected == 1;
     const bool listed = selected && match.directCode == FILTER_ON;
     if (listed) report.listHead(vars, headWritten);
-    walk.startItem();
-    if (selected) {
-      for (int32_t k = 1; k <= vars.count; ++k) {
-        if (matchVarRequests(item, lists, SCOPE_ONE, k, run.procIndex, &tallyMemo).selected) {
-          walk.met.push_back(k);
-        }
-      }
-    }
+    const bool objectiveColumn = j == run.objVar;
     walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
-      if (selected) walk.tally(a, nl > 0);
-      if (listed) countEntry(c, a, nl > 0, true, i == run.objRow);
-      r.rowFill[i] += 1;
-      if (p <= r.colRowIndex.size()) {
-        r.colRowIndex[p] = nl > 0 ? -i : i;
-        r.colCoef[p] = a;
-      }
-      ++p;
+      countEntry(c, a, nl > 0, i == run.objRow);
+      rows.add(i, a, nl > 0, objectiveColumn, run.plusInf);
     });
+    entryCount += c.total;
+    if (selected) {
+      requestsMet(vars, item, lists, run.procIndex, tallyMemo, met);
+      tallyItem(vars, met, c);
+    }
     if (listed) {
       int32_t length = 0, dim = 0, isNew = 0;
       varItemLabel(run, run.dictionary, j, report.label, length, dim, isNew, MAX_LINE);
@@ -224,37 +261,21 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   }
   if (vars.count > 0) report.requestTable(vars);
 
-  // Row pass, over the row form of the same entries.
-  const int32_t nz = std::min(p - 1, r.colRowIndex.size());
+  // Row pass, over the sums of each row: every count of the tallies and of a listed row is a
+  // sum over the row's entries, and the smallest and largest size do not depend on their order.
   report.lastSymbol = "$nothing$";
   headWritten = false;
-  Walk rowWalk{equs, {}};
-  rowWalk.met.reserve(static_cast<size_t>(equs.count));
-  if (nz > 0) {
-    transposeMatrix(m, n, nz, r.rowFill, r.colStart, r.rowColIndex, r.rowStart, r.colRowIndex,
-                    r.rowCoef, r.colCoef);
+  if (entryCount > 0) {
     SymbolMemo rowMemo, rowTallyMemo;
     for (int32_t i = 1; i <= m; ++i) {
-      ItemCounts c;
-      c.minimum = run.plusInf;
       const ItemName& item = rowName(run.dictionary, i, names);
       const ItemMatch match = matchEquRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &rowMemo);
       if (match.selected <= 0) continue;
       const bool listed = match.directCode == FILTER_ON;
       if (listed) report.listHead(equs, headWritten);
-      rowWalk.startItem();
-      for (int32_t k = 1; k <= equs.count; ++k) {
-        if (matchEquRequests(item, lists, SCOPE_ONE, k, run.procIndex, &rowTallyMemo).selected) {
-          rowWalk.met.push_back(k);
-        }
-      }
-      const int32_t last = i < m ? r.rowStart[i + 1] - 1 : nz;
-      for (int32_t q = r.rowStart[i]; q <= last; ++q) {
-        const int32_t col = std::abs(r.rowColIndex[q]);
-        const bool nl = r.rowColIndex[q] < 0;
-        rowWalk.tally(r.rowCoef[q], nl);
-        if (listed) countEntry(c, r.rowCoef[q], nl, false, col == run.objVar);
-      }
+      const ItemCounts c = rows.counts(i, run.plusInf);
+      requestsMet(equs, item, lists, run.procIndex, rowTallyMemo, met);
+      tallyItem(equs, met, c);
       if (listed) {
         int32_t length = 0, dim = 0;
         equItemLabel(run.dictionary, i, report.label, length, LABEL_FULL, TextTable{}, dim,

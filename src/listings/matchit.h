@@ -16,7 +16,6 @@ inline constexpr int32_t TALLY_NONLINEAR = 6;
 inline constexpr int32_t TALLY_SLOTS = 6;
 
 // Reads the section, then writes the list of requested variables, the table of variable
-// requests, the list of requested equations and the table of equation requests. Leaves the
-// matrix by columns and by rows in its regions; currentKeyword holds the line that ended the
-// section.
+// requests, the list of requested equations and the table of equation requests, from one walk
+// over the host's columns; currentKeyword holds the line that ended the section.
 void runMatchIt(const MatchItRegions& regions, RunContext& run);

@@ -40,7 +40,11 @@ int openJacobian(ModelStore& store, oveHandle environment, ovmHandle model, int3
   if (rows < 0 || cols < 0 || nz < 0) return 5;
   if (!allocate(store.colStartData, store.jacColStart, cols + 1)) return 1;
   if (!allocate(store.rowData, store.jacRow, store.jacCapacity)) return 2;
-  if (!allocate(store.nonlinearData, store.jacNonlinear, store.jacCapacity)) return 3;
+  store.jacNonlinear = {};
+  store.nonlinearData.reset(
+      static_cast<int32_t*>(std::calloc(static_cast<size_t>(store.jacCapacity), sizeof(int32_t))));
+  if (store.nonlinearData == nullptr) return 3;
+  store.jacNonlinear = {store.nonlinearData.get(), store.jacCapacity};
   if (!allocate(store.valueData, store.jacValue, store.jacCapacity)) return 4;
   if (ovmNLN(model) > 0) {
     const int status = oveInitJacLegacy(environment, store.jacEvaluator, model);
@@ -78,7 +82,7 @@ bool fillJacobian(ModelStore& store, oveHandle, ovmHandle model) {
       const auto k = static_cast<int32_t>(count);
       store.jacValue[k] = value;
       store.jacRow[k] = row;
-      store.jacNonlinear[k] = nonlinear > 0 ? nonlinear : 0;
+      if (nonlinear > 0) store.jacNonlinear[k] = nonlinear;
     } while (cursor != 0);
   }
   if (faulty) return true;
@@ -122,9 +126,23 @@ int evaluateJacobianAt(oveHandle environment, ovmHandle model, Vec1<double> poin
 void transposeMatrix(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef) {
-  if (rowCount < 1) return;
+  transposeRows(rowCount, colCount, nzUsed, rowFill, colStart, rowColIndex, rowStart, colRowIndex,
+                rowCoef, colCoef, Vec1<int32_t>{});
+}
+
+int32_t transposeRows(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
+                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
+                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef,
+                      Vec1<int32_t> rowKept) {
+  if (rowCount < 1) return 0;
+  const bool all = rowKept.base == nullptr;
+  auto kept = [&](int32_t i) { return all || rowKept[i] >= 1; };
+  for (int32_t i = 1; i <= rowCount; ++i) {
+    if (!kept(i)) rowFill[i] = 0;
+  }
   rowStart[1] = 1;
   for (int32_t i = 2; i <= rowCount; ++i) rowStart[i] = rowStart[i - 1] + rowFill[i - 1];
+  const int32_t placed = rowStart[rowCount] + rowFill[rowCount] - 1;
   rowFill.fill(0);
   for (int32_t j = 1; j <= colCount; ++j) {
     const int32_t first = std::max(colStart[j], 1);
@@ -135,8 +153,9 @@ void transposeMatrix(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<in
       // A row outside the model, or more entries in a row than rowFill announced, is a fault
       // of the caller's column form; such an entry is left out rather than written elsewhere.
       const bool rowOk = i >= 1 && i <= rowCount;
+      if (rowOk && !kept(i)) continue;
       const int32_t place = rowOk ? rowStart[i] + rowFill[i] : 0;
-      const int32_t rowEnd = rowOk ? (i < rowCount ? rowStart[i + 1] : nzUsed + 1) : 0;
+      const int32_t rowEnd = rowOk ? (i < rowCount ? rowStart[i + 1] : placed + 1) : 0;
       assert(rowOk && place < rowEnd && "column form does not match rowFill");
       if (!rowOk || place < 1 || place >= rowEnd || place > nzUsed) continue;
       ++rowFill[i];
@@ -144,4 +163,5 @@ void transposeMatrix(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<in
       rowCoef[place] = colCoef[k];
     }
   }
+  return placed;
 }

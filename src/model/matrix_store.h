@@ -13,6 +13,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "host/host.h"
@@ -33,8 +35,11 @@ struct ModelStore {
   bool jacOpen = false;           // the arrays exist and the evaluator is ready
   bool jacFilled = false;         // the arrays are filled
 
-  std::vector<int32_t> colStartData, rowData, nonlinearData;
+  std::vector<int32_t> colStartData, rowData;
   std::vector<double> valueData;
+  // The marks are asked of the system as zeroed memory and only a nonlinear entry's mark is
+  // written: a linear model's marks never take a page.
+  std::unique_ptr<int32_t[], void (*)(void*)> nonlinearData{nullptr, std::free};
 
   ModelStore() = default;
   ModelStore(const ModelStore&) = delete;
@@ -70,3 +75,11 @@ int evaluateJacobianAt(ModelStore& store, oveHandle environment, ovmHandle model
 void transposeMatrix(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef);
+
+// The same for the rows that rowKept marks 1 or above only: the others get no entries (their
+// rowFill ends at 0), so that the row form takes no more room than the rows that are read from
+// it. Gives the number of entries placed.
+int32_t transposeRows(int32_t rowCount, int32_t colCount, int32_t nzUsed, Vec1<int32_t> rowFill,
+                      Vec1<int32_t> colStart, Vec1<int32_t> rowColIndex, Vec1<int32_t> rowStart,
+                      Vec1<int32_t> colRowIndex, Vec1<double> rowCoef, Vec1<double> colCoef,
+                      Vec1<int32_t> rowKept);

@@ -209,7 +209,7 @@ std::string orvaUnsolvableReason(const HostInstance& inst) {
       return "a bound of variable " + std::to_string(j + 1) + " is not a number";
     }
     for (int k = inst.colStart[j]; k < inst.colStart[j + 1]; ++k) {
-      if (inst.entryNonlinear.size() > static_cast<size_t>(k) && inst.entryNonlinear[k] > 0) {
+      if (hostEntryNonlinear(inst, static_cast<size_t>(k))) {
         return "the model is nonlinear (variable " + std::to_string(j + 1) +
                " has a nonlinear entry)";
       }

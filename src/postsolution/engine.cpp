@@ -166,6 +166,13 @@ void loadColumns(Engine& e) {
   if (byRequests) matchRows(e);
   ItemNameBuffer buffer;
   SymbolMemo memo;
+  const ModelStore& store = modelStore;
+  // Unscaled, a coefficient is the store's value as it stands (value / 1 x 1), and a linear
+  // model marks no row nonlinear: the copy would be the store over again, so it is not made.
+  const bool copy = rs.useScale != 0 || ovmNLN(model) > 0;
+  e.colStart = copy ? r.colStart : store.jacColStart;
+  e.colRowIndex = copy ? r.colRowIndex : store.jacRow;
+  e.colCoef = copy ? r.colCoef : store.jacValue;
   int32_t next = 1;
   for (int32_t j = 1; j <= rs.colCount; ++j) {
     const double scale = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
@@ -191,7 +198,7 @@ void loadColumns(Engine& e) {
                          ? 1
                          : 0;
     }
-    r.colStart[j] = next;
+    if (copy) r.colStart[j] = next;
     if (!rs.solutionExpected) {
       s.colLevel[j] = ovmGetVarLOne(model, j);
       s.colMarginal[j] = ovmGetVarMOne(model, j);
@@ -207,12 +214,13 @@ void loadColumns(Engine& e) {
       if (m.directCode > 0) s.colStat[j] = 1;
       crossCode = m.crossCode;
     }
-    const ModelStore& store = modelStore;
     for (int32_t k = store.jacColStart[j]; k < store.jacColStart[j + 1]; ++k) {
       const int32_t i = store.jacRow[k];
       r.rowFill[i] += 1;
-      r.colRowIndex[next] = store.jacNonlinear[k] > 0 ? -i : i;
-      r.colCoef[next] = store.jacValue[k] / scale * r.rowScale[i];
+      if (copy) {
+        r.colRowIndex[next] = store.jacNonlinear[k] > 0 ? -i : i;
+        r.colCoef[next] = store.jacValue[k] / scale * r.rowScale[i];
+      }
       ++next;
       if (!byRequests) continue;
       if (e.rowDirect[static_cast<size_t>(i)] > 0 || crossCode > 0) r.rowSelected[i] = 1;
@@ -348,10 +356,10 @@ void columnPass(Engine& e) {
     e.budgetSum = 0.0;
     e.budgetAbs = 0.0;
     int32_t objCoefSign = 0;
-    const int32_t end = j < rs.colCount ? r.colStart[j + 1] : e.entryCount + 1;
-    for (int32_t k = r.colStart[j]; k < end; ++k) {
-      const int32_t i = std::abs(r.colRowIndex[k]);
-      const double a = r.colCoef[k];
+    const int32_t end = j < rs.colCount ? e.colStart[j + 1] : e.entryCount + 1;
+    for (int32_t k = e.colStart[j]; k < end; ++k) {
+      const int32_t i = std::abs(e.colRowIndex[k]);
+      const double a = e.colCoef[k];
       if (postopt(e) && !rowFilter(e, i)) continue;
       if (i == rs.objRow) {
         objCoefSign = a > 0.0 ? 1 : -1;
@@ -361,7 +369,7 @@ void columnPass(Engine& e) {
       if (hidden) continue;
       if (e.itemShown < 1) showItemHead(e, true, j, 0);
       if (e.mode->entries == EntryForm::List || e.mode->entries == EntryForm::None) continue;
-      const char* mark = r.colRowIndex[k] < 0 ? "***" : "   ";
+      const char* mark = e.colRowIndex[k] < 0 ? "***" : "   ";
       int32_t labelLength = 0, labelDim = 0;
       equItemLabel(rs.dictionary, i, e.label, labelLength, LABEL_FULL, TextTable{}, labelDim,
                    MAX_LINE);
@@ -392,14 +400,16 @@ void rowPass(Engine& e) {
   const DisplayRegions& r = e.r;
   if (e.entryCount == 0) return;
   e.columnInScope = true;
-  transposeMatrix(rs.rowCount, rs.colCount, e.entryCount, r.rowFill, r.colStart, r.rowColIndex,
-                  r.rowStart, r.colRowIndex, r.rowCoef, r.colCoef);
+  // Only a selected row shows anything of its entries: the row form holds those rows alone.
+  const int32_t rowEntries =
+      transposeRows(rs.rowCount, rs.colCount, e.entryCount, r.rowFill, e.colStart, r.rowColIndex,
+                    r.rowStart, e.colRowIndex, r.rowCoef, e.colCoef, r.rowSelected);
   int32_t row = 1;
   e.itemShown = 0;
   e.firstOfPass = 0;
   e.lastRowShown = 0;
   clearRowSums(e);
-  for (int32_t k = 1; k <= e.entryCount; ++k) {
+  for (int32_t k = 1; k <= rowEntries; ++k) {
     while (row < rs.rowCount && r.rowStart[row + 1] <= k) {
       ++row;
       e.itemShown = 0;
@@ -422,7 +432,7 @@ void rowPass(Engine& e) {
         }
       }
     }
-    const bool lastOfRow = row == rs.rowCount ? k == e.entryCount : k + 1 >= r.rowStart[row + 1];
+    const bool lastOfRow = row == rs.rowCount ? k == rowEntries : k + 1 >= r.rowStart[row + 1];
     if (e.itemShown > 0 && lastOfRow) {
       if (e.mode->entries == EntryForm::Coefficient) closeEquationRelation(e, row);
       if (e.mode->entries == EntryForm::Accounts) closeRowSum(e, row);

@@ -56,6 +56,10 @@ struct Engine {
   bool columnInScope = true;
   int32_t labelWidth = 0;
   int32_t entryCount = 0;
+  // The matrix by columns as the passes read it: the copy in the work array, or the store
+  // itself where the copy would equal it entry for entry.
+  Vec1<int32_t> colStart, colRowIndex;
+  Vec1<double> colCoef;
   int32_t objDirection = 1;
   int32_t itemShown = 0;
   int32_t firstOfPass = 0;

@@ -57,23 +57,22 @@ bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item) {
   return true;
 }
 
-// Whether the symbol pattern of request k meets the item's symbol, through the memo when there
-// is one: it is refreshed when the symbol changes.
-bool symbolMeets(const SelectionSide& side, int32_t count, int32_t k, const ItemName& item,
-                 SymbolMemo* memo) {
-  if (memo == nullptr) return matchPattern(side.symbol.view(k), item.symbol);
+// The memo's marks for the item's symbol, one per request: refreshed when the symbol changes,
+// so that a walk over the items of one symbol matches its patterns once.
+const uint8_t* symbolMarks(const SelectionSide& side, int32_t count, const ItemName& item,
+                           SymbolMemo& memo) {
   const std::string_view s = item.symbol.substr(0, kName);
   const int32_t len = static_cast<int32_t>(s.size());
-  if (memo->length != len || std::memcmp(memo->symbol, s.data(), s.size()) != 0 ||
-      static_cast<int32_t>(memo->met.size()) < count) {
-    memo->met.assign(static_cast<size_t>(std::max(count, 0)), 0);
+  if (memo.length != len || std::memcmp(memo.symbol, s.data(), s.size()) != 0 ||
+      static_cast<int32_t>(memo.met.size()) < count) {
+    memo.met.assign(static_cast<size_t>(std::max(count, 0)), 0);
     for (int32_t r = 1; r <= count; ++r) {
-      memo->met[static_cast<size_t>(r - 1)] = matchPattern(side.symbol.view(r), s) ? 1 : 0;
+      memo.met[static_cast<size_t>(r - 1)] = matchPattern(side.symbol.view(r), s) ? 1 : 0;
     }
-    std::memcpy(memo->symbol, s.data(), s.size());
-    memo->length = len;
+    std::memcpy(memo.symbol, s.data(), s.size());
+    memo.length = len;
   }
-  return memo->met[static_cast<size_t>(k - 1)] != 0;
+  return memo.met.data();
 }
 
 ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t count,
@@ -83,8 +82,11 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
   if (matchScope == SCOPE_ONE) first = last = requestIndex;
   if (first < 1 || last > count) return m;
   const bool stopAtFirst = matchScope == SCOPE_FIRST;
+  const uint8_t* marks = memo != nullptr ? symbolMarks(side, count, item, *memo) : nullptr;
   for (int32_t k = first; k <= last; ++k) {
-    if (!symbolMeets(side, count, k, item, memo)) continue;
+    const bool symbolMet = marks != nullptr ? marks[k - 1] != 0
+                                            : matchPattern(side.symbol.view(k), item.symbol);
+    if (!symbolMet) continue;
     if (item.dim != 0 && !labelsMeet(side, k, item)) continue;
     side.selSpec(k, SPEC_FOUND) = 1;
     if (side.selSpec(k, SPEC_DIRECT) > 0) m.directCode = side.selSpec(k, SPEC_DIRECT);
@@ -127,6 +129,18 @@ void reportUnmet(const SelectionContext& context, const SelectionSide& side, int
 }  // namespace
 
 bool matchPattern(std::string_view pattern, std::string_view text) {
+  // Most patterns of a list differ from a name at the first character. A pattern that begins
+  // with a plain character meets nothing whose normalized first character differs: that is
+  // told without normalizing the whole name.
+  const char lead0 = pattern.empty() ? ' ' : pattern[0];
+  if (lead0 != ' ' && lead0 != '*' && lead0 != '?' && !isQuote(lead0)) {
+    size_t p = 0;
+    while (p < text.size() && (text[p] == ' ' || text[p] == '\'')) ++p;
+    char first = p < text.size() ? text[p] : ' ';
+    if (static_cast<unsigned char>(first) < 21) first = ' ';
+    if (first >= 'a' && first <= 'z') first = static_cast<char>(first - 'a' + 'A');
+    if (first != lead0) return false;
+  }
   char name[kName];
   normalizeName(text, name);
   char pat[kName];
