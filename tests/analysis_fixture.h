@@ -2,6 +2,8 @@
 // state around them whose status and log lines are kept in vectors.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
@@ -12,6 +14,7 @@
 
 #include "host/host.h"
 #include "host/instance.h"
+#include "host/readers.h"
 #include "model/matrix_store.h"
 #include "model/work_array.h"
 #include "run/dispatch.h"
@@ -134,6 +137,17 @@ struct ModelBuilder {
     return out;
   }
 };
+
+// A native model of tests/data/, as the host reads it (a name ending in digits, x17, is x(17):
+// give such a scalar as a symbol without labels).
+inline HostInstance modelFile(const std::string& name) {
+  HostInstance inst;
+  std::string error;
+  const ModelSource source{std::string(SOURCE_DIR) + "/tests/data/" + name, ModelFormat::Json, "", {}};
+  const bool read = readModel(source, inst, error);
+  EXPECT_TRUE(read) << error;
+  return inst;
+}
 
 // The run state of one test: the instance's sizes, the host handles, a page width, status
 // and log lines in memory, a work array of the right size and a scratch file.
