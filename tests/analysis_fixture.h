@@ -240,4 +240,29 @@ inline std::string pad(std::string line, size_t width) {
   return line;
 }
 
+// The first line at or after `from` that equals `line`; lines.size() when there is none.
+inline size_t indexOf(const std::vector<std::string>& lines, const std::string& line,
+                      size_t from = 0) {
+  for (size_t i = from; i < lines.size(); ++i) {
+    if (lines[i] == line) return i;
+  }
+  return lines.size();
+}
+
+inline std::string rtrim(std::string s) {
+  while (!s.empty() && s.back() == ' ') s.pop_back();
+  return s;
+}
+
+// True when a finding's item line for `name` follows the message line at `at` before the
+// next message.
+inline bool itemFollows(const std::vector<std::string>& lines, size_t at, const std::string& name) {
+  for (size_t i = at + 1; i < lines.size(); ++i) {
+    const std::string t = rtrim(lines[i]);
+    if (t == " ##  " + name || t == "     " + name) return true;
+    if (t.find("****") != std::string::npos || t.find("----###") != std::string::npos) break;
+  }
+  return false;
+}
+
 }  // namespace analysis_test

@@ -13,8 +13,11 @@
 #include "pictures/blockpic.h"
 #include "run/run_state.h"
 
+using analysis_test::indexOf;
+using analysis_test::itemFollows;
 using analysis_test::modelFile;
 using analysis_test::pad;
+using analysis_test::rtrim;
 using analysis_test::RunFixture;
 
 namespace {
@@ -34,29 +37,6 @@ std::vector<std::string> slice(const std::vector<std::string>& lines, size_t fro
   if (from >= lines.size()) return {};
   return {lines.begin() + static_cast<std::ptrdiff_t>(from),
           lines.begin() + static_cast<std::ptrdiff_t>(std::min(lines.size(), from + n))};
-}
-
-size_t indexOf(const std::vector<std::string>& lines, const std::string& line, size_t from = 0) {
-  for (size_t i = from; i < lines.size(); ++i) {
-    if (lines[i] == line) return i;
-  }
-  return lines.size();
-}
-
-std::string rtrim(std::string s) {
-  while (!s.empty() && s.back() == ' ') s.pop_back();
-  return s;
-}
-
-// True when a finding's item line for `name` follows the message line at `at` before the
-// next message.
-bool itemFollows(const std::vector<std::string>& lines, size_t at, const std::string& name) {
-  for (size_t i = at + 1; i < lines.size(); ++i) {
-    const std::string t = rtrim(lines[i]);
-    if (t == " ##  " + name || t == "     " + name) return true;
-    if (t.find("****") != std::string::npos || t.find("----###") != std::string::npos) break;
-  }
-  return false;
 }
 
 // Views over tables of the test's own, for calling the table printers directly.
