@@ -31,6 +31,19 @@ std::string readFile(const std::filesystem::path& path) {
   return s.str();
 }
 
+std::vector<FileCase> readCases(const std::string& name) {
+  std::vector<FileCase> cases;
+  for (const std::string& line : readLines(std::filesystem::path(SOURCE_DIR) / "tests/data" / name)) {
+    if (line.starts_with("### ")) {
+      cases.push_back({line.substr(4), ""});
+    } else if (!cases.empty()) {
+      cases.back().text += line + "\n";
+    }
+  }
+  if (cases.empty()) ADD_FAILURE() << "no cases in tests/data/" << name;
+  return cases;
+}
+
 ::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,
                                          const std::string& name,
                                          const std::map<std::string, std::string>& vars,
