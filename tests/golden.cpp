@@ -1,5 +1,6 @@
 #include "golden.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -79,5 +80,15 @@ std::vector<FileCase> readCases(const std::string& name) {
                                          << ": more than expected [" << lines[golden.size()]
                                          << "]";
   }
+  return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult containsGolden(const std::vector<std::string>& lines,
+                                          const std::string& name) {
+  const std::vector<std::string> golden =
+      readLines(std::filesystem::path(SOURCE_DIR) / "tests/golden" / name);
+  if (golden.empty()) return ::testing::AssertionFailure() << "no golden lines in " << name;
+  const auto at = std::search(lines.begin(), lines.end(), golden.begin(), golden.end());
+  if (at == lines.end()) return ::testing::AssertionFailure() << name << " not found in the lines";
   return ::testing::AssertionSuccess();
 }

@@ -27,6 +27,10 @@ struct FileCase {
 // next such line, each ended by a newline, are its text.
 std::vector<FileCase> readCases(const std::string& name);
 
+// True when the lines of the golden file tests/golden/NAME stand in `lines` one after another.
+::testing::AssertionResult containsGolden(const std::vector<std::string>& lines,
+                                          const std::string& name);
+
 // Compares `lines` with the golden file tests/golden/NAME line for line, after each @KEY@ of the
 // file is replaced by its value in `vars`; a failure names the first line that differs. With
 // `prefix`, only the lines the golden file holds are compared, and more may follow.
