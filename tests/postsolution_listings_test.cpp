@@ -3,10 +3,8 @@
 // check that cannot lie: POSTOPT over every item of every bundled LP and of the netlib models
 // closes every budget and every row sum.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,6 +13,7 @@
 #include "postsolution/engine.h"
 #include "request/selection_tables.h"
 #include "golden.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
@@ -23,20 +22,11 @@ namespace {
 
 const std::string kSource = SOURCE_DIR;
 
-fs::path freshDir(const std::string& name) {
-  const fs::path dir = fs::temp_directory_path() /
-                       ("postsolution_" + name + "_" + std::to_string(::getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  return dir;
-}
-
 // Runs orva on a model with extra arguments; the listing's lines, empty when orva failed.
-Lines orvaListing(const fs::path& dir, const std::string& model, const std::string& extra) {
-  const std::string command = "cd '" + dir.string() + "' && '" + ORVA_BIN + "' '" + model +
-                              "' " + extra + " --listing listing.lst >log.txt 2>err.txt";
-  if (std::system(command.c_str()) != 0) return {};
-  return readLines(dir / "listing.lst");
+Lines orvaListing(const fs::path& dir, const std::string& model, std::vector<std::string> args) {
+  args.insert(args.begin(), model);
+  args.insert(args.end(), {"--listing", "listing.lst"});
+  return runOrva(dir, args).status == 0 ? readLines(dir / "listing.lst") : Lines{};
 }
 
 // Each bundled example of the post-solution reports, solved by orva as its request file asks,
@@ -54,7 +44,7 @@ TEST(PostSolutionListings, BundledExamplesMatchTheirGoldenListings) {
   };
   for (const auto& [name, model] : cases) {
     SCOPED_TRACE(name);
-    const Lines listing = orvaListing(dir, kSource + model, "");
+    const Lines listing = orvaListing(dir, kSource + model, {});
     EXPECT_TRUE(matchesGolden(listing, std::string("postsolution/") + name + ".listing",
                               {{"AUDIT", auditLine()}}));
   }
@@ -75,7 +65,7 @@ TEST(PostSolutionListings, EverySolvedModelAccountsForItsNumbers) {
   }
   for (const std::string& model : models) {
     SCOPED_TRACE(model);
-    const Lines listing = orvaListing(dir, model, "--solve --requests all.mrk");
+    const Lines listing = orvaListing(dir, model, {"--solve", "--requests", "all.mrk"});
     ASSERT_FALSE(listing.empty());
     int budgets = 0;
     for (const std::string& line : listing) {
