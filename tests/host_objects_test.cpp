@@ -13,21 +13,11 @@
 
 namespace {
 
-// Three rows, four columns: column 2 is empty, column 3 holds a nonlinear entry in row 3.
 HostInstance threeByFour() {
   HostInstance in;
-  in.rowType = {kRowE, kRowG, kRowL};
-  in.rowRhs = {0, 1, 4};
-  in.colType = {kVarContinuous, kVarBinary, kVarContinuous, kVarContinuous};
-  in.colLower = {0, 0, -kHostInf, 2};
-  in.colUpper = {kHostInf, 1, 5, kHostInf};
-  in.colStart = {0, 2, 2, 4, 5};
-  in.entryRow = {0, 1, 1, 2, 2};
-  in.entryValue = {1.5, -2, 3, 4, -1};
-  in.entryNonlinear = {0, 0, 0, 1, 0};
-  in.objVar = 4;
-  in.objRow = 3;
-  in.minimizing = false;
+  std::string error;
+  EXPECT_TRUE(readModel({hostTestData("three-by-four.json"), ModelFormat::Json, "", {}}, in, error))
+      << error;
   return in;
 }
 
