@@ -84,13 +84,8 @@ TEST(EquationFindings, EveryKindWithItsExplanation) {
 }
 
 TEST(EquationFindings, InfeasibleBothWaysIsListedTwice) {
-  // 5 <= x <= 2: the lower bound lies above the upper one, so x = 3 fails both activity tests.
-  ModelBuilder b;
-  const int32_t row = b.row("BAL", {}, kRowE, 3.0);
-  const int32_t col = b.col("X", {}, 5.0, 2.0);
-  b.add(row, col, 1.0);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/crossed.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(14) + firstItem("BAL") + kMessage.at(15) +
                            firstItem("BAL"));
@@ -109,20 +104,14 @@ TEST(EquationFindings, RowsThatMeetNoRule) {
 }
 
 TEST(EquationFindings, EmptyRowsMeetTheActivityRules) {
-  // A row without terms: max 0 with maxState 1, so rhs above 0 is infeasible for =E= (15)
-  // and =G= (19), redundant for =L= (17); an empty model passes.
-  ModelBuilder b;
-  b.row("E", {}, kRowE, 1.0);
-  b.row("G", {}, kRowG, 1.0);
-  b.row("L", {}, kRowL, 1.0);
-  b.col("X", {}, 0.0, INF);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/empty-rows.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(15) + firstItem("E") + kMessage.at(19) +
                            firstItem("G") + kMessage.at(17) + firstItem("L"));
   EXPECT_EQ(fx.log, (Lines{kInfeasible, kRedundant}));
 
+  // An empty model passes.
   RunFixture empty;
   empty.start(ModelBuilder{}.build());
   equationReport();
