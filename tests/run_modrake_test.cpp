@@ -260,9 +260,7 @@ TEST_F(ModrakeRun, MissingControlFileStopsBeforeTheOpeningLines) {
   prepare();
   fs::remove(dir / "modrake.scr");
   run();
-  const Lines words = {" *** Could not open control file " + d() + "modrake.scr"};
-  EXPECT_EQ(status, words);
-  EXPECT_EQ(log, words);
+  expectGolden("tiny-no-control");
 }
 
 TEST_F(ModrakeRun, FaultyControlRecordNamesLineAndColumn) {
@@ -270,10 +268,7 @@ TEST_F(ModrakeRun, FaultyControlRecordNamesLineAndColumn) {
   f.recordThree = " 12x ";
   prepare(f);
   run();
-  const Lines words = {" *** Could not read control file " + d() + "modrake.scr, line 3: " +
-                       "column 34 holds \"x\" in the number of columns 31 to 35"};
-  EXPECT_EQ(status, words);
-  EXPECT_EQ(log, words);
+  expectGolden("tiny-faulty-control");
 }
 
 TEST_F(ModrakeRun, StatusFileThatCannotBeCreated) {
