@@ -2,16 +2,19 @@
 // state around them whose status and log lines are kept in vectors.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "host/host.h"
 #include "host/instance.h"
+#include "host/names.h"
+#include "host/readers.h"
 #include "model/matrix_store.h"
 #include "model/work_array.h"
 #include "run/dispatch.h"
@@ -21,13 +24,11 @@ namespace analysis_test {
 
 inline constexpr double INF = kHostInf;
 
-// Builds a HostInstance row by row and column by column. Labels written in quotes
-// ('new york', "a b") keep their quote character.
+// Builds a HostInstance row by row and column by column, its dictionary by the host's own
+// builder. For labels in quotes, write the model as a native file (modelFile).
 struct ModelBuilder {
   HostInstance inst;
-  std::map<std::string, int32_t> equSymbols, varSymbols;
-  std::map<std::pair<std::string, char>, int32_t> uels;
-  std::vector<std::vector<int32_t>> rowLabels, colLabels;
+  std::vector<HostName> rowNames, colNames;
   struct Entry {
     int32_t row, col;
     double value;
@@ -35,41 +36,16 @@ struct ModelBuilder {
   };
   std::vector<Entry> entries;
 
-  int32_t symbol(const std::string& name, bool equation, int32_t dim) {
-    auto& table = equation ? equSymbols : varSymbols;
-    auto it = table.find(name);
-    if (it != table.end()) return it->second;
-    inst.symbols.push_back({name, equation, dim});
-    const int32_t number = static_cast<int32_t>(inst.symbols.size());
-    table.emplace(name, number);
-    return number;
-  }
-  int32_t uel(const std::string& written) {
-    char quote = ' ';
-    std::string text = written;
-    if (text.size() >= 2 && (text[0] == '\'' || text[0] == '"') && text.back() == text[0]) {
-      quote = text[0];
-      text = text.substr(1, text.size() - 2);
-    }
-    auto key = std::make_pair(text, quote);
-    auto it = uels.find(key);
-    if (it != uels.end()) return it->second;
-    inst.labels.push_back({text, quote});
-    const int32_t number = static_cast<int32_t>(inst.labels.size());
-    uels.emplace(key, number);
-    return number;
-  }
-  std::vector<int32_t> uelList(std::initializer_list<std::string> labels) {
-    std::vector<int32_t> list;
-    for (const std::string& l : labels) list.push_back(uel(l));
-    return list;
+  static HostName name(const std::string& sym, std::initializer_list<std::string> labels) {
+    std::vector<HostLabel> parts;
+    for (const std::string& l : labels) parts.push_back(HostLabel{l, ' '});
+    return hostMakeName(sym, std::move(parts));
   }
 
   // A row; returns its 1-based index.
   int32_t row(const std::string& sym, std::initializer_list<std::string> labels, int32_t type,
               double rhs, double scale = 1.0) {
-    inst.rowSymbol.push_back(symbol(sym, true, static_cast<int32_t>(labels.size())));
-    rowLabels.push_back(uelList(labels));
+    rowNames.push_back(name(sym, labels));
     inst.rowType.push_back(type);
     inst.rowRhs.push_back(rhs);
     inst.rowScale.push_back(scale);
@@ -82,8 +58,7 @@ struct ModelBuilder {
   // A column; returns its 1-based index.
   int32_t col(const std::string& sym, std::initializer_list<std::string> labels, double lower,
               double upper, int32_t type = kVarContinuous, double scale = 1.0) {
-    inst.colSymbol.push_back(symbol(sym, false, static_cast<int32_t>(labels.size())));
-    colLabels.push_back(uelList(labels));
+    colNames.push_back(name(sym, labels));
     inst.colType.push_back(type);
     inst.colLower.push_back(lower);
     inst.colUpper.push_back(upper);
@@ -121,19 +96,21 @@ struct ModelBuilder {
       }
       out.colStart.push_back(static_cast<int32_t>(out.entryRow.size()));
     }
-    out.rowUelStart.assign(1, 0);
-    for (const auto& l : rowLabels) {
-      out.rowUels.insert(out.rowUels.end(), l.begin(), l.end());
-      out.rowUelStart.push_back(static_cast<int32_t>(out.rowUels.size()));
-    }
-    out.colUelStart.assign(1, 0);
-    for (const auto& l : colLabels) {
-      out.colUels.insert(out.colUels.end(), l.begin(), l.end());
-      out.colUelStart.push_back(static_cast<int32_t>(out.colUels.size()));
-    }
+    hostBuildDictionary(out, rowNames, colNames);
     return out;
   }
 };
+
+// A native model of tests/data/, as the host reads it (a name ending in digits, x17, is x(17):
+// give such a scalar as a symbol without labels).
+inline HostInstance modelFile(const std::string& name) {
+  HostInstance inst;
+  std::string error;
+  const ModelSource source{std::string(SOURCE_DIR) + "/tests/data/" + name, ModelFormat::Json, "", {}};
+  const bool read = readModel(source, inst, error);
+  EXPECT_TRUE(read) << error;
+  return inst;
+}
 
 // The run state of one test: the instance's sizes, the host handles, a page width, status
 // and log lines in memory, a work array of the right size and a scratch file.
@@ -224,6 +201,31 @@ struct RunFixture {
 inline std::string pad(std::string line, size_t width) {
   if (line.size() < width) line.resize(width, ' ');
   return line;
+}
+
+// The first line at or after `from` that equals `line`; lines.size() when there is none.
+inline size_t indexOf(const std::vector<std::string>& lines, const std::string& line,
+                      size_t from = 0) {
+  for (size_t i = from; i < lines.size(); ++i) {
+    if (lines[i] == line) return i;
+  }
+  return lines.size();
+}
+
+inline std::string rtrim(std::string s) {
+  while (!s.empty() && s.back() == ' ') s.pop_back();
+  return s;
+}
+
+// True when a finding's item line for `name` follows the message line at `at` before the
+// next message.
+inline bool itemFollows(const std::vector<std::string>& lines, size_t at, const std::string& name) {
+  for (size_t i = at + 1; i < lines.size(); ++i) {
+    const std::string t = rtrim(lines[i]);
+    if (t == " ##  " + name || t == "     " + name) return true;
+    if (t.find("****") != std::string::npos || t.find("----###") != std::string::npos) break;
+  }
+  return false;
 }
 
 }  // namespace analysis_test

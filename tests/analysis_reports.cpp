@@ -84,13 +84,8 @@ TEST(EquationFindings, EveryKindWithItsExplanation) {
 }
 
 TEST(EquationFindings, InfeasibleBothWaysIsListedTwice) {
-  // 5 <= x <= 2: the lower bound lies above the upper one, so x = 3 fails both activity tests.
-  ModelBuilder b;
-  const int32_t row = b.row("BAL", {}, kRowE, 3.0);
-  const int32_t col = b.col("X", {}, 5.0, 2.0);
-  b.add(row, col, 1.0);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/crossed.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(14) + firstItem("BAL") + kMessage.at(15) +
                            firstItem("BAL"));
@@ -99,29 +94,8 @@ TEST(EquationFindings, InfeasibleBothWaysIsListedTwice) {
 }
 
 TEST(EquationFindings, RowsThatMeetNoRule) {
-  ModelBuilder b;
-  const int32_t p = b.col("P", {}, 0.0, INF);
-  const int32_t f1 = b.col("F", {"1"}, -INF, INF);
-  const int32_t f2 = b.col("F", {"2"}, -INF, INF);
-  const int32_t x = b.col("X", {}, 2.0, 5.0);
-  // Two free terms with rhs 0: no sign rule.
-  const int32_t r1 = b.row("TWOFREE", {}, kRowE, 0.0);
-  b.add(r1, f1, 1.0);
-  b.add(r1, f2, 1.0);
-  // A free term keeps an =L= row with a negative term out of kind 4.
-  const int32_t r2 = b.row("MIXED", {}, kRowL, 1.0);
-  b.add(r2, p, -1.0);
-  b.add(r2, f1, 1.0);
-  // rhs equal to the activity bounds: the comparisons are strict.
-  const int32_t r3 = b.row("ATMIN", {}, kRowE, 2.0);
-  b.add(r3, x, 1.0);
-  const int32_t r4 = b.row("ATMAX", {}, kRowL, 5.0);
-  b.add(r4, x, 1.0);
-  // =N= rows meet no rule.
-  const int32_t r5 = b.row("FREEROW", {}, kRowN, -7.0);
-  b.add(r5, p, 1.0);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/no-rule.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kEquationsPass);
   EXPECT_EQ(fx.log, Lines{"       ### The equations pass all analysis tests"});
@@ -130,20 +104,14 @@ TEST(EquationFindings, RowsThatMeetNoRule) {
 }
 
 TEST(EquationFindings, EmptyRowsMeetTheActivityRules) {
-  // A row without terms: max 0 with maxState 1, so rhs above 0 is infeasible for =E= (15)
-  // and =G= (19), redundant for =L= (17); an empty model passes.
-  ModelBuilder b;
-  b.row("E", {}, kRowE, 1.0);
-  b.row("G", {}, kRowG, 1.0);
-  b.row("L", {}, kRowL, 1.0);
-  b.col("X", {}, 0.0, INF);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/empty-rows.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(15) + firstItem("E") + kMessage.at(19) +
                            firstItem("G") + kMessage.at(17) + firstItem("L"));
   EXPECT_EQ(fx.log, (Lines{kInfeasible, kRedundant}));
 
+  // An empty model passes.
   RunFixture empty;
   empty.start(ModelBuilder{}.build());
   equationReport();
@@ -151,28 +119,8 @@ TEST(EquationFindings, EmptyRowsMeetTheActivityRules) {
 }
 
 TEST(EquationFindings, OneExplanationPerRunAndCautionFromTheFirstRowOfARun) {
-  ModelBuilder b;
-  const int32_t x = b.col("X", {}, 0.0, INF);
-  auto redundant = [&](const std::string& label, bool nonlinear) {
-    const int32_t r = b.row("CAP", {label}, kRowL, 4.0);
-    b.add(r, x, -1.0, nonlinear);
-  };
-  auto clean = [&](const std::string& label) {
-    const int32_t r = b.row("OK", {label}, kRowL, 4.0);
-    b.add(r, x, 1.0);
-  };
-  auto infeasible = [&](const std::string& label, bool nonlinear) {
-    const int32_t r = b.row("NEED", {label}, kRowG, 4.0);
-    b.add(r, x, -1.0, nonlinear);
-  };
-  redundant("a", false);
-  clean("a");
-  redundant("b", true);  // same run: no caution of its own
-  infeasible("a", true);
-  infeasible("b", false);
-  redundant("c", false);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/runs.json"));
   equationReport();
   EXPECT_EQ(fx.status, kEquationHeading + kMessage.at(4) + firstItem("CAP(a)") +
                            nextItem("CAP(b)") + kMessage.at(8) + kEquationCaution +
@@ -239,19 +187,8 @@ TEST(VariableFindings, EveryKindWithItsExplanation) {
 }
 
 TEST(VariableFindings, LimitsObjectiveVariableAndPassLines) {
-  ModelBuilder b;
-  const int32_t cost = b.row("COST", {}, kRowE, 0.0);
-  const int32_t bal = b.row("BAL", {}, kRowE, 0.0);
-  const int32_t obj = b.col("OBJ", {}, -INF, INF);  // would be kind 21 if not skipped
-  const int32_t x = b.col("X", {}, 0.0, INF);       // in an =E= row: held both ways
-  const int32_t y = b.col("Y", {}, 0.0, INF);
-  b.add(cost, obj, -1.0);
-  b.add(cost, x, 2.0);
-  b.add(bal, x, 1.0);
-  b.add(bal, y, -1.0);
-  b.objective(cost, obj, true);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/objective-pass.json"));
   variableReport();
   EXPECT_EQ(fx.status, kVariableHeading + kVariablesPass);
   EXPECT_EQ(fx.log, Lines{"       ### The variables pass all analysis tests"});
@@ -392,51 +329,16 @@ TEST(BlockFindings, VariableRulesSkipTheObjectiveBlock) {
 }
 
 TEST(RunAnalysis, HeadingBothReportsAndScratchFile) {
-  // Maximise 2 x + y subject to x - y >= 1 (=G=) and y <= -1 (=L= with only y): x is
-  // unbounded, and LIM is infeasible since y >= 0.
-  ModelBuilder b;
-  const int32_t cost = b.row("PROFIT", {}, kRowE, 0.0);
-  const int32_t need = b.row("NEED", {}, kRowG, 1.0);
-  const int32_t lim = b.row("LIM", {}, kRowL, -1.0);
-  const int32_t obj = b.col("OBJ", {}, -INF, INF);
-  const int32_t x = b.col("X", {}, 0.0, INF);
-  const int32_t y = b.col("Y", {}, 0.0, INF);
-  b.add(cost, obj, -1.0);
-  b.add(cost, x, 2.0);
-  b.add(cost, y, 1.0);
-  b.add(need, x, 1.0);
-  b.add(need, y, -1.0);
-  b.add(lim, y, 1.0);
-  b.objective(cost, obj, false);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/run.json"));
   runProcedure(procedureRow(Proc::Analysis), runState);
   const Lines heading = {" ", " ----#### Executing ANALYSIS ", "=L#### MODRAKE ANALYSIS ", " "};
   // Then the two problems through DISPLAYCR at page width 80: labels in 55 columns, the item
   // lines 73 wide; X with its entries and no bound line, LIM with the entry of Y.
-  const Lines display = {
-      " ", " ----#### Using DISPLAYCR to show ANALYSIS Problems",
-      "          Note only the first 5 problems found  under each",
-      "           Error or warning type will be displayed up to ",
-      "           maximum of 200 variables or equations",
-      "", "", " ----###  DISPLAYING VARIABLES             ",
-      " ", "", " ----## VAR X" + std::string(30, ' '), "",
-      "", " ##  X" + std::string(72, ' '),
-      " PROFIT" + std::string(49, ' ') + "   " + "     2.00000",
-      " NEED" + std::string(51, ' ') + "   " + "     1.00000",
-      "", "", " ----###    DISPLAYING EQUATIONS   ", "", "",
-      " ", "", " ----## EQU LIM" + std::string(28, ' '), "",
-      "", " ##  LIM" + std::string(70, ' '),
-      " Y" + std::string(54, ' ') + "   " + "     1.00000",
-      "", "         =L=" + std::string(47, ' ') + "    -1.00000",
-      " "};
   EXPECT_EQ(fx.status, heading + kVariableHeading + kMessage.at(20) + nextItem("X") +
-                           kEquationHeading + kMessage.at(5) + firstItem("LIM") + display);
-  EXPECT_EQ(fx.log, (Lines{" #### Executing ANALYSIS ", kUnbounded, kInfeasible, " ", "",
-                           " #### Using DISPLAYCR to show ANALYSIS Problems",
-                           "       Note only the first 5 problems found  under each",
-                           "         Error or warning type will be displayed up to ",
-                           "         maximum of 200 variables or equations"}));
+                           kEquationHeading + kMessage.at(5) + firstItem("LIM") +
+                           golden("analysis/run-display.status"));
+  EXPECT_EQ(fx.log, golden("analysis/run.log"));
   EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X", " equation", "   LIM"}));
   EXPECT_EQ(runState.analysisProblemsPending, 0);
 }

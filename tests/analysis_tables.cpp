@@ -9,6 +9,7 @@
 
 using analysis_test::INF;
 using analysis_test::ModelBuilder;
+using analysis_test::modelFile;
 using analysis_test::RunFixture;
 
 namespace {
@@ -84,34 +85,10 @@ AnalysisRegions tables() {
 }
 
 TEST(AnalysisTables, SignsActivityAndObjective) {
-  ModelBuilder b;
-  const int32_t obj = b.row("COST", {}, kRowE, 0.0);
-  const int32_t cap = b.row("CAP", {}, kRowL, 10.0);
-  const int32_t dem = b.row("DEM", {}, kRowG, 4.0);
-  const int32_t bal = b.row("BAL", {}, kRowE, 0.0);
-  const int32_t free = b.row("FREEROW", {}, kRowN, 0.0);
-  const int32_t x = b.col("X", {}, 0.0, 8.0);         // non-negative
-  const int32_t y = b.col("Y", {}, -INF, 0.0);   // non-positive
-  const int32_t z = b.col("Z", {}, -INF, INF);   // free
-  const int32_t w = b.col("W", {}, 2.0, INF);
-  const int32_t o = b.col("OBJ", {}, -INF, INF);
-  b.add(obj, x, 3.0);
-  b.add(obj, y, -2.0, true);
-  b.add(obj, o, -1.0);
-  b.add(cap, x, 2.0);
-  b.add(cap, y, -1.0);
-  b.add(cap, w, 1.0, true);
-  b.add(dem, x, 1.0);
-  b.add(dem, z, -1.0);
-  b.add(bal, w, -1.0);
-  b.add(bal, x, 0.0, true);  // nonlinear, derivative 0 at the point
-  b.add(free, w, 5.0);
-  const int32_t sticky = b.row("STICKY", {}, kRowL, 1.0);
-  b.add(sticky, z, 1.0);
-  b.add(sticky, b.col("V", {}, 3.0, 9.0), 1.0);
-  b.objective(obj, o, false);  // maximise
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/signs.json"));
+  const int32_t obj = 1, cap = 2, dem = 3, bal = 4, sticky = 6;  // rows
+  const int32_t x = 1, y = 2, z = 3, w = 4;                       // columns
   const AnalysisRegions r = tables();
 
   EXPECT_EQ(r.anaRowType[cap], kRowL);
@@ -196,14 +173,9 @@ TEST(AnalysisTables, ObjectiveTurnAndMinimisation) {
 }
 
 TEST(AnalysisTables, ScaleFactorsApplyToRhsBoundsAndCoefficients) {
-  ModelBuilder b;
-  const int32_t row = b.row("R", {}, kRowL, 3.0, 2.0);
-  const int32_t x = b.col("X", {}, 1.0, 4.0, kVarContinuous, 0.5);
-  const int32_t y = b.col("Y", {}, 0.0, INF, kVarContinuous, 4.0);
-  b.add(row, x, 6.0);
-  b.add(row, y, -8.0);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("analysis/scaled.json"));
+  const int32_t row = 1, x = 1;
   runState.useScale = 1;
   const AnalysisRegions r = tables();
   EXPECT_DOUBLE_EQ(r.rowScale[row], 2.0);

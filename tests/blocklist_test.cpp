@@ -10,8 +10,9 @@
 #include "model/work_array.h"
 #include "run/run_state.h"
 
-using analysis_test::INF;
-using analysis_test::ModelBuilder;
+using analysis_test::indexOf;
+using analysis_test::itemFollows;
+using analysis_test::modelFile;
 using analysis_test::RunFixture;
 
 namespace {
@@ -24,57 +25,11 @@ void runBlockListOnRegions() {
   runBlockList(r, runState);
 }
 
-std::string rtrim(std::string s) {
-  while (!s.empty() && s.back() == ' ') s.pop_back();
-  return s;
-}
-
-size_t indexOf(const std::vector<std::string>& lines, const std::string& line) {
-  for (size_t i = 0; i < lines.size(); ++i) {
-    if (lines[i] == line) return i;
-  }
-  return lines.size();
-}
-
-bool itemFollows(const std::vector<std::string>& lines, size_t at, const std::string& name) {
-  for (size_t i = at + 1; i < lines.size(); ++i) {
-    const std::string t = rtrim(lines[i]);
-    if (t == " ##  " + name || t == "     " + name) return true;
-    if (t.find("****") != std::string::npos || t.find("----###") != std::string::npos) break;
-  }
-  return false;
-}
-
-// Minimize cost = 2 a(1) + 3 a(2), with the objective variable obj at -1 in the row cost.
-// a(1) is nonlinear in cap(1); b has an entry that evaluates to exactly 0 in cap(1).
-HostInstance costModel() {
-  ModelBuilder b;
-  const int32_t cost = b.row("cost", {}, kRowE, 0);
-  const int32_t cap1 = b.row("cap", {"1"}, kRowL, 10);
-  const int32_t cap2 = b.row("cap", {"2"}, kRowL, 20);
-  const int32_t dem = b.row("dem", {}, kRowG, -5);
-  const int32_t a1 = b.col("a", {"1"}, 0, INF);
-  const int32_t a2 = b.col("a", {"2"}, 0, INF);
-  const int32_t bb = b.col("b", {}, -INF, 0);
-  const int32_t obj = b.col("obj", {}, -INF, INF);
-  b.add(cost, a1, 2);
-  b.add(cap1, a1, 1.5, true);
-  b.add(dem, a1, 1);
-  b.add(cost, a2, 3);
-  b.add(cap2, a2, 1);
-  b.add(dem, a2, 1);
-  b.add(cap1, bb, 0.0);
-  b.add(cap2, bb, -4);
-  b.add(cost, obj, -1);
-  b.objective(cost, obj, true);
-  return b.build();
-}
-
 }  // namespace
 
 TEST(BlockListReport, ListsOfAModelWithObjective) {
   RunFixture fx;
-  fx.start(costModel(), 80);
+  fx.start(modelFile("blocklist/cost.json"), 80);
   runBlockListOnRegions();
   // Counts run over all entries; the extremes leave out the objective row (variables) and
   // the objective variable (equations), and an entry of exactly 0 counts as not positive.
@@ -91,22 +46,8 @@ TEST(BlockListReport, ListsOfAModelWithObjective) {
 }
 
 TEST(BlockListReport, NonlinearMarksZerosLongNamesAndMixedTypes) {
-  // Five rows r(1..5), =L= but the last =G=; five columns of a long-named block, each
-  // nonlinear in its own row (the fifth with derivative exactly 0); w linear in r(1).
-  ModelBuilder b;
-  int32_t rows[6] = {};
-  for (int32_t k = 1; k <= 5; ++k) {
-    rows[k] = b.row("r", {std::to_string(k)}, k == 5 ? kRowG : kRowL, k == 5 ? 0.0 : 1.0);
-  }
-  for (int32_t k = 1; k <= 5; ++k) {
-    const int32_t j = b.col("averyverylongvariablename", {std::to_string(k)}, 0, INF);
-    b.add(rows[k], j, k == 5 ? 0.0 : 2.0, true);
-  }
-  const int32_t w = b.col("w", {}, 0, INF);
-  b.add(rows[1], w, 1);
-
   RunFixture fx;
-  fx.start(b.build(), 80);
+  fx.start(modelFile("blocklist/nonlinear-long-names.json"), 80);
   runBlockListOnRegions();
   EXPECT_TRUE(matchesGolden(fx.status, "blocklist/nonlinear-long-names", {}, true));
   // w is in one =G= row (the block's type is that of its last row) with a positive
@@ -124,17 +65,14 @@ TEST(BlockListReport, ObjectiveTurnKeepsTheMeaningOfTheObjectiveCells) {
   for (double objCoef : {-1.0, 1.0}) {
     for (bool minimizing : {true, false}) {
       SCOPED_TRACE(std::to_string(objCoef) + (minimizing ? " min" : " max"));
-      ModelBuilder b;
-      const int32_t cost = b.row("cost", {}, kRowE, 0);
-      const int32_t dem = b.row("dem", {}, kRowG, 1);
-      const int32_t s = b.col("s", {}, 0, INF);
-      const int32_t obj = b.col("obj", {}, -INF, INF);
-      b.add(cost, s, -4 * objCoef);
-      b.add(dem, s, 1);
-      b.add(cost, obj, objCoef);
-      b.objective(cost, obj, minimizing);
+      HostInstance model = modelFile("blocklist/objective-turn.json");
+      if (objCoef > 0) {  // -4 s + obj = 0
+        model.entryValue[0] = -4;
+        model.entryValue[2] = 1;
+      }
+      model.minimizing = minimizing;
       RunFixture fx;
-      fx.start(b.build(), 80);
+      fx.start(model, 80);
       runBlockListOnRegions();
       const size_t unbounded =
           indexOf(fx.status, "**** ERROR These variables are unbounded -- they");

@@ -10,8 +10,7 @@
 #include "golden.h"
 #include "model/blocks.h"
 
-using analysis_test::INF;
-using analysis_test::ModelBuilder;
+using analysis_test::modelFile;
 using analysis_test::RunFixture;
 
 namespace {
@@ -46,25 +45,9 @@ struct Blocks {
 
 std::string name31(const std::string& s) { return s + std::string(31 - s.size(), ' '); }
 
-// Rows SUPPLY, DEMAND, SUPPLY, DEMANDS, COST; columns X, SHIP, X, SHIPPING.
-ModelBuilder scattered() {
-  ModelBuilder b;
-  b.row("SUPPLY", {"a"}, kRowL, 1.0);
-  b.row("DEMAND", {"a"}, kRowG, 1.0);
-  b.row("SUPPLY", {"b"}, kRowL, 1.0);
-  b.row("DEMANDS", {"a"}, kRowG, 1.0);
-  b.row("COST", {}, kRowN, 0.0);
-  b.col("X", {"a"}, 0.0, INF);
-  b.col("SHIP", {"a", "b"}, 0.0, INF);
-  b.col("X", {"b"}, 0.0, INF);
-  b.col("SHIPPING", {}, 0.0, INF);
-  for (int32_t j = 1; j <= 4; ++j) b.add(1, j, 1.0);
-  return b;
-}
-
 TEST(BlockTables, BlocksInOrderOfFirstOccurrenceWithRhsBehindTheVariables) {
   RunFixture fx;
-  fx.start(scattered().build());
+  fx.start(modelFile("blocks/scattered.json"));
   Blocks t(6, 6, 5, 4);
   t.build(6, 6);
   EXPECT_EQ(t.colUsed, 3);
@@ -86,14 +69,8 @@ TEST(BlockTables, BlocksInOrderOfFirstOccurrenceWithRhsBehindTheVariables) {
 }
 
 TEST(BlockTables, ExactlyAtCapacityStillHasRoomForRhs) {
-  ModelBuilder b;
-  b.row("R", {"1"}, kRowL, 1.0);
-  b.col("ONLY", {"1"}, 0.0, INF);
-  b.col("ONLY", {"2"}, 0.0, INF);
-  b.add(1, 1, 1.0);
-  b.add(1, 2, 1.0);
   RunFixture fx;
-  fx.start(b.build());
+  fx.start(modelFile("blocks/one-symbol.json"));
   Blocks t(1, 1, 1, 2);
   t.build(1, 1);
   EXPECT_EQ(t.colUsed, 1);
@@ -111,7 +88,7 @@ void expectCapacityStop(int32_t icblock, int32_t irblock, const std::string& tag
   std::remove(statusPath.c_str());
   std::remove(logPath.c_str());
   RunFixture fx;
-  fx.start(scattered().build());
+  fx.start(modelFile("blocks/scattered.json"));
   auto child = [&] {
     runState.statusChannel = Channel{std::fopen(statusPath.c_str(), "w"), nullptr};
     runState.logChannel = Channel{std::fopen(logPath.c_str(), "w"), nullptr};
@@ -122,27 +99,19 @@ void expectCapacityStop(int32_t icblock, int32_t irblock, const std::string& tag
   EXPECT_EXIT(child(), ::testing::ExitedWithCode(77), "");
 }
 
-TEST(BlockTables, TooManyVariableBlocksStopTheRun) {
-  expectCapacityStop(2, 6, "var");
-  const std::string dir = ::testing::TempDir();
-  EXPECT_EQ(readLines(dir + "blocks_status_var"),
-            (std::vector<std::string>{"  Exceeded maximum variable blocks which is   2",
-                                      " Expand or drop VARBLOCK option in MODRAKE.OPT", " ",
-                                      "=2"}));
-  EXPECT_EQ(readLines(dir + "blocks_log_var"),
-            (std::vector<std::string>{"  Exceeded maximum variable blocks which is   2",
-                                      " Expand or drop VARBLOCK option in MODRAKE.OPT"}));
-}
-
-TEST(BlockTables, TooManyEquationBlocksStopTheRun) {
-  expectCapacityStop(6, 3, "equ");
-  const std::string dir = ::testing::TempDir();
-  EXPECT_EQ(readLines(dir + "blocks_status_equ"),
-            (std::vector<std::string>{"  Exceeded maximum equation blocks which is   3",
-                                      " Expand or drop EQUBLOCK option in MODRAKE.OPT", "=2"}));
-  EXPECT_EQ(readLines(dir + "blocks_log_equ"),
-            (std::vector<std::string>{"  Exceeded maximum equation blocks which is   3",
-                                      " Expand or drop EQUBLOCK option in MODRAKE.OPT"}));
+TEST(BlockTables, TooManyBlocksStopTheRun) {
+  const struct {
+    int32_t icblock, irblock;
+    const char* golden;
+  } cases[] = {{2, 6, "var-stop"}, {6, 3, "equ-stop"}};
+  for (const auto& c : cases) {
+    expectCapacityStop(c.icblock, c.irblock, c.golden);
+    const std::string dir = ::testing::TempDir();
+    EXPECT_TRUE(matchesGolden(readLines(dir + "blocks_status_" + c.golden),
+                              "blocks/" + std::string(c.golden) + ".status"));
+    EXPECT_TRUE(matchesGolden(readLines(dir + "blocks_log_" + c.golden),
+                              "blocks/" + std::string(c.golden) + ".log"));
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "golden.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -29,6 +30,19 @@ std::string readFile(const std::filesystem::path& path) {
   std::ostringstream s;
   s << in.rdbuf();
   return s.str();
+}
+
+std::vector<FileCase> readCases(const std::string& name) {
+  std::vector<FileCase> cases;
+  for (const std::string& line : readLines(std::filesystem::path(SOURCE_DIR) / "tests/data" / name)) {
+    if (line.starts_with("### ")) {
+      cases.push_back({line.substr(4), ""});
+    } else if (!cases.empty()) {
+      cases.back().text += line + "\n";
+    }
+  }
+  if (cases.empty()) ADD_FAILURE() << "no cases in tests/data/" << name;
+  return cases;
 }
 
 ::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,
@@ -66,5 +80,15 @@ std::string readFile(const std::filesystem::path& path) {
                                          << ": more than expected [" << lines[golden.size()]
                                          << "]";
   }
+  return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult containsGolden(const std::vector<std::string>& lines,
+                                          const std::string& name) {
+  const std::vector<std::string> golden =
+      readLines(std::filesystem::path(SOURCE_DIR) / "tests/golden" / name);
+  if (golden.empty()) return ::testing::AssertionFailure() << "no golden lines in " << name;
+  const auto at = std::search(lines.begin(), lines.end(), golden.begin(), golden.end());
+  if (at == lines.end()) return ::testing::AssertionFailure() << name << " not found in the lines";
   return ::testing::AssertionSuccess();
 }

@@ -107,15 +107,7 @@ TEST(HostFormats, RealModelSizes) {
 }
 
 TEST(HostFormats, MathProgObjectiveSenseConstantAndLabels) {
-  HostScratch scratch;
-  const std::string model = scratch.write("plan.mod",
-                                          "set C := {'new york', 'chicago'};\n"
-                                          "var ship{C} >= 0, <= 100;\n"
-                                          "var objvar >= 1;\n"
-                                          "maximize profit: sum{c in C} 3*ship[c] + objvar - 7;\n"
-                                          "s.t. lim{c in C}: ship[c] + objvar <= 50;\n"
-                                          "minimize spare: objvar;\n"
-                                          "end;\n");
+  const std::string model = hostTestData("formats/plan.mod");
   const HostInstance in = readOrFail(model, ModelFormat::MathProg);
   // profit (the objective, kept once), lim x2, spare (a further objective: =N=).
   ASSERT_EQ(in.rowCount, 4);
@@ -142,11 +134,8 @@ TEST(HostFormats, MathProgObjectiveSenseConstantAndLabels) {
 }
 
 TEST(HostFormats, DataFileAndNoObjective) {
-  HostScratch scratch;
-  const std::string model = scratch.write("feas.mod",
-                                          "set S;\nparam b{S};\nvar x{S} integer, >= 0, <= 1;\n"
-                                          "s.t. need{s in S}: x[s] >= b[s];\nend;\n");
-  const std::string data = scratch.write("feas.dat", "data;\nset S := a b;\nparam b := a 1 b 0;\nend;\n");
+  const std::string model = hostTestData("formats/feas.mod");
+  const std::string data = hostTestData("formats/feas.dat");
   const HostInstance in = readOrFail(model, ModelFormat::MathProg, data);
   EXPECT_EQ(in.rowCount, 2);
   EXPECT_EQ(in.colCount, 2);
@@ -160,11 +149,7 @@ TEST(HostFormats, DataFileAndNoObjective) {
 }
 
 TEST(HostFormats, RangedRowsSplitIntoTwoBlocks) {
-  HostScratch scratch;
-  const std::string model = scratch.write("range.mod",
-                                          "set A := {'a', 'b'};\nvar x{A} >= 0;\n"
-                                          "s.t. cap{i in A}: 1 <= 2*x[i] <= (if i = 'a' then 1 else 3);\n"
-                                          "s.t. c7: -5 <= x['a'] - x['b'] <= 5;\nend;\n");
+  const std::string model = hostTestData("formats/range.mod");
   const HostInstance in = readOrFail(model, ModelFormat::MathProg);
   // cap['a'] has equal bounds: one =E= row. cap['b'] and c7 are ranged: a =G= and an =L= row.
   ASSERT_EQ(in.rowCount, 5);
@@ -195,12 +180,9 @@ TEST(HostFormats, RangedRowsSplitIntoTwoBlocks) {
 }
 
 TEST(HostFormats, ObjectiveConstantFromMps) {
-  HostScratch scratch;
   // The objective row's right-hand side is the negative of the objective's constant term, and
   // stays the objective row's right-hand side.
-  const std::string mps = scratch.write("c.mps",
-                                        "NAME c\nROWS\n N obj\n G r\nCOLUMNS\n x obj 1 r 1\n"
-                                        "RHS\n RHS obj -10 r 2\nENDATA\n");
+  const std::string mps = hostTestData("formats/c.mps");
   const HostInstance in = readOrFail(mps, ModelFormat::Mps);
   ASSERT_EQ(in.rowCount, 2);
   EXPECT_EQ(in.rowRhs[0], -10);
@@ -208,21 +190,20 @@ TEST(HostFormats, ObjectiveConstantFromMps) {
 }
 
 TEST(HostFormats, GlpkErrorsNameFileAndLine) {
-  HostScratch scratch;
-  const std::string mod = scratch.write("bad.mod", "var x >= 0;\n\nminimize z: x +;\nend;\n");
+  const std::string mod = hostTestData("formats/bad.mod");
   EXPECT_EQ(readError(mod, ModelFormat::MathProg).rfind(mod + ":3: ", 0), 0u)
       << readError(mod, ModelFormat::MathProg);
-  const std::string gen = scratch.write("gen.mod", "param p := 1/0;\nvar x;\ns.t. c: x >= p;\nend;\n");
+  const std::string gen = hostTestData("formats/gen.mod");
   // A generation error is told at the line where the value is used.
   EXPECT_EQ(readError(gen, ModelFormat::MathProg).rfind(gen + ":3: ", 0), 0u)
       << readError(gen, ModelFormat::MathProg);
-  const std::string mps = scratch.write("bad.mps", "NAME b\nROWS\n N obj\n Q r\nENDATA\n");
+  const std::string mps = hostTestData("formats/bad.mps");
   EXPECT_EQ(readError(mps, ModelFormat::Mps).rfind(mps + ":4: ", 0), 0u)
       << readError(mps, ModelFormat::Mps);
-  const std::string lp = scratch.write("bad.lp", "minimize\n obj: x\nsubject to\n c: x >= >= 1\nend\n");
+  const std::string lp = hostTestData("formats/bad.lp");
   EXPECT_EQ(readError(lp, ModelFormat::Lp).rfind(lp + ":4: ", 0), 0u)
       << readError(lp, ModelFormat::Lp);
-  const std::string missing = scratch.path("none.mod");
+  const std::string missing = hostTestData("formats/none.mod");
   const std::string e = readError(missing, ModelFormat::MathProg);
   EXPECT_NE(e.find(missing), std::string::npos) << e;
   // GLPK stays usable after a refused file.
@@ -230,22 +211,17 @@ TEST(HostFormats, GlpkErrorsNameFileAndLine) {
 }
 
 TEST(HostFormats, GlpkPrintsNothingByItself) {
-  HostScratch scratch;
-  const std::string mod = scratch.write("talk.mod", "var x;\ns.t. c: x >= 1;\ndisplay 'hello';\nend;\n");
+  const std::string mod = hostTestData("formats/talk.mod");
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
   readOrFail(mod, ModelFormat::MathProg);
-  readError(scratch.write("b.mod", "var ;\n"), ModelFormat::MathProg);
+  readError(hostTestData("formats/b.mod"), ModelFormat::MathProg);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(HostFormats, AutomaticScaleFactorsScaleTheMatrix) {
-  HostScratch scratch;
-  const std::string mod = scratch.write("wide.mod",
-                                        "var a >= 0, <= 5000; var b >= 0;\n"
-                                        "s.t. r1: 1000*a + 2000*b <= 1;\n"
-                                        "s.t. r2: 0.001*a + 0.004*b >= 1;\nend;\n");
+  const std::string mod = hostTestData("formats/wide.mod");
   HostInstance in = readOrFail(mod, ModelFormat::MathProg);
   std::string error;
   ASSERT_TRUE(hostAutoScale(in, error)) << error;

@@ -3,15 +3,10 @@
 
 #include "host/host.h"
 #include "host/readers.h"
+#include "golden.h"
 #include "host_test_files.h"
 
 namespace {
-
-struct JsonCase {
-  const char* text;
-  int line;
-  const char* message;
-};
 
 std::string refusal(const HostScratch& scratch, const std::string& text) {
   const std::string path = scratch.write("m.json", text);
@@ -23,69 +18,9 @@ std::string refusal(const HostScratch& scratch, const std::string& text) {
 
 TEST(HostJson, MalformedInstancesAreRefusedWithTheirLine) {
   HostScratch scratch;
-  const JsonCase cases[] = {
-      {"{\n  \"rows\": [\n    {\"name\": \"a\", \"type\": \"=E=\"},\n"
-       "    {\"name\": \"b\", \"type\": \"=Q=\"}\n  ]\n}",
-       4, "unknown row type \"=Q=\" (=E=, =G=, =L= or =N=)"},
-      {"{\n \"rows\": [{\"name\": \"a\", \"type\": \"E\"}],\n \"cols\": [\n  {\"name\": \"x\",\n"
-       "   \"entries\": [\n     [\"a\", 1],\n     [\"b\", 2]\n   ]}\n ]\n}",
-       7, "entry row \"b\" does not exist"},
-      {"{\"rows\": [{\"name\": \"a\", \"type\": \"E\"}],\n \"cols\": [{\"name\": \"x\",\n"
-       " \"entries\": [[2, 1]]}]}",
-       3, "entry row 2 does not exist (rows 1 to 1)"},
-      {"{\"rowCount\": -1,\n \"rows\": []}", 1, "\"rowCount\" is negative"},
-      {"{\"rows\": [],\n \"colCount\": 2,\n \"cols\": [{\"name\": \"x\"}]}", 2,
-       "\"colCount\" is 2 but \"cols\" has 1"},
-      {"{\"cols\": [\n {\"name\": \"x\", \"type\": \"real\"}]}", 2,
-       "unknown column type \"real\" (continuous, binary, integer, sos1, sos2, semicont or "
-       "semiint)"},
-      {"{\"cols\": [\n {\"name\": \"x(a)\"},\n {\"symbol\": \"x\", \"labels\": [\"a\"]}]}", 3,
-       "column \"x(a)\" is named twice (also column 1)"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"},\n {\"name\": \"r\", \"type\": \"G\"}]}", 2,
-       "row \"r\" is named twice (also row 1)"},
-      {"{\"cols\": [{\"name\": \"x\"}],\n\n \"objVar\": \"y\"}", 3,
-       "\"objVar\" \"y\" names no column"},
-      {"{\"cols\": [{\"name\": \"x\"}],\n \"objVar\": 2}", 2, "\"objVar\" 2 is not from 1 to 1"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"}],\n \"objRow\": true}", 2,
-       "\"objRow\" must be a name or a number"},
-      {"{\"cols\": [{\"name\": \"x\",\n  \"lower\": \"low\"}]}", 2,
-       "\"lower\" must be a number, \"inf\" or \"-inf\""},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\",\n \"rhs\": \"5\"}]}", 2,
-       "\"rhs\" must be a number"},
-      {"{\"rows\": \"none\"}", 1, "\"rows\" must be an array"},
-      {"[1, 2]", 1, "the model must be a JSON object"},
-      {"{\"sense\": \"up\"}", 1, "\"sense\" must be \"min\" or \"max\""},
-      {"{\n\"modelStat\": 15}", 2, "\"modelStat\" must be a whole number from 1 to 14"},
-      {"{\"colour\": 1}", 1, "unknown field \"colour\""},
-      {"{\"cols\": [{\"name\": \"x\", \"entries\": [[\"r\"]]}]}", 1,
-       "an entry must be [row, value] or [row, value, \"nonlinear\"]"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"}],\n\"cols\": [{\"name\": \"x\",\n"
-       "\"entries\": [[\"r\", 1, \"linear\"]]}]}",
-       3, "an entry's third element can only be \"nonlinear\""},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"}],\n\"cols\": [{\"name\": \"x\",\n"
-       "\"entries\": [[\"r\", 1],\n [1, 2]]}]}",
-       4, "row \"r\" appears twice in column \"x\""},
-      {"{\"cols\": [{\"name\": \"x\",\n \"scale\": 2}]}", 2,
-       "\"scale\" given but the model is not \"scaled\""},
-      {"{\"scaled\": true, \"cols\": [{\"name\": \"x\",\n \"scale\": 0}]}", 2,
-       "\"scale\" must be above 0"},
-      {"{\"cols\": [{\"type\": \"binary\"}]}", 1, "cols[1] has neither \"name\" nor \"symbol\""},
-      {"{\"cols\": [{\"symbol\": \"x\",\n \"labels\": [\"a\", 3]}]}", 2,
-       "a label must be a string or {\"text\": ..., \"quote\": ...}"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\",\n \"stat\": 4}]}", 2,
-       "\"stat\" must be a whole number from 0 to 3"},
-      {"{\"rows\": [\n  {\"name\": \"r\" \"type\": \"L\"}]}", 2,
-       "not valid JSON: syntax error while parsing object - unexpected string literal; "
-       "expected '}'"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\"}],\n\"cols\": [{\"name\": \"x\",\n"
-       "\"entries\": [[1, 1e400]]}]}",
-       3, "not valid JSON: number overflow parsing '1e400'"},
-      {"{\"rows\": [{\"name\": \"r\", \"type\": \"L\",\n \"rhs\": -2e999}]}", 2,
-       "not valid JSON: number overflow parsing '-2e999'"},
-  };
-  for (const JsonCase& c : cases)
-    EXPECT_EQ(refusal(scratch, c.text),
-              ":" + std::to_string(c.line) + ": " + c.message) << c.text;
+  for (const FileCase& c : readCases("host/json-refusals.cases")) {
+    EXPECT_EQ(refusal(scratch, c.text), c.expected) << c.text;
+  }
 }
 
 // The line of a refusal is found by walking the text; a value nested 300000 deep on the way

@@ -27,6 +27,14 @@ bool read(const HostScratch& s, const ModelFile& m, ModelFormat format, HostInst
   return readModel(source, inst, error);
 }
 
+// A model of tests/data/host/limits/, with its data file when one is named.
+bool readLimitsModel(ModelFormat format, const std::string& name, const std::string& dataName,
+                     HostInstance& inst, std::string& error) {
+  const ModelSource source{hostTestData("limits/" + name), format,
+                           dataName.empty() ? std::string() : hostTestData("limits/" + dataName), {}};
+  return readModel(source, inst, error);
+}
+
 std::vector<std::string> rowNames(const HostInstance& inst) {
   std::vector<std::string> names;
   for (int32_t i = 0; i < inst.rowCount; ++i) names.push_back(hostRowName(inst, i));
@@ -38,64 +46,46 @@ std::vector<std::string> rowNames(const HostInstance& inst) {
 TEST(HostLimits, RefusalsNameTheErrorAtItsOwnPlace) {
   struct Case {
     ModelFormat format;
-    ModelFile file;
-    std::string error;  // "@" stands for the scratch folder
+    std::string name, dataName;  // files of tests/data/host/limits/
+    std::string error;           // "@" stands for that folder
   };
   const std::vector<Case> cases = {
       // A warning (a bound given twice, a last line without its end) is not the error.
-      {ModelFormat::Lp,
-       {"w.lp", "minimize\n obj: x + y\nsubject to\n c1: x + y >= 1\nbounds\n x <= 4\n x <= 5\n"
-                " y <= 4 5\nend\n"},
-       "@/w.lp:9: missing '<', '<=', or '=<' after lower bound"},
-      {ModelFormat::Mps,
-       {"w.mps", "NAME T\nROWS\n N obj\n L c1\nCOLUMNS\n x obj 1 c1 1\nRHS\n RHS c1 4 c9 1\nENDATA"},
-       "@/w.mps:8: row 'c9' is not in the ROWS section"},
+      {ModelFormat::Lp, "w.lp", "", "@/w.lp:9: missing '<', '<=', or '=<' after lower bound"},
+      {ModelFormat::Mps, "w.mps", "", "@/w.mps:8: row 'c9' is not in the ROWS section"},
       // Data checked by the model is told at the data file's line that gives it.
-      {ModelFormat::MathProg,
-       {"p.mod", "param p{1..3} >= 0;\nvar x;\nminimize o: x + sum{i in 1..3} p[i];\nend;\n",
-        "p.dat", "data;\nparam p :=\n1 1\n2 -1\n3 4;\nend;\n"},
+      {ModelFormat::MathProg, "p.mod", "p.dat",
        "@/p.dat:2: p[2] = -1 not >= 0; see (1) (the data of p given from this line; @/p.mod:3 checks "
        "it)"},
-      {ModelFormat::MathProg,
-       {"q.mod", "set I;\nparam p{I} >= 0;\nparam q{I};\nvar x;\nminimize o: x + sum{i in I} p[i];\n",
-        "q.dat", "data;\n# p is here\nset I := a b;\nparam : q p :=\na 1 2\nb 3 -4;\nend;\n"},
+      {ModelFormat::MathProg, "q.mod", "q.dat",
        "@/q.dat:4: p[b] = -4 not >= 0; see (1) (the data of p given from this line; @/q.mod:5 checks "
        "it)"},
       // A bound record given twice (GLPK's MPS reader failed an assertion on it).
-      {ModelFormat::Mps,
-       {"bv.mps", "NAME T\nROWS\n N obj\n L c1\nCOLUMNS\n x obj 1 c1 1\nBOUNDS\n BV BND x\n"
-                  " BV BND x\nENDATA\n"},
-       "@/bv.mps:9: column 'x' has two lower bounds"},
+      {ModelFormat::Mps, "bv.mps", "", "@/bv.mps:9: column 'x' has two lower bounds"},
       // Names that would split the status file's lines.
-      {ModelFormat::Json,
-       {"n.json", "{\"rows\": [\n  {\"name\": \"ok\", \"type\": \"E\"},\n"
-                  "  {\"symbol\": \"s\", \"labels\": [\"x\\u0001\"], \"type\": \"E\"}]}"},
+      {ModelFormat::Json, "n.json", "",
        "@/n.json:3: the name \"s(x\\x01)\" holds a control character (code 1)"},
-      {ModelFormat::Json,
-       {"i.json", "{\n\"name\": \"a\\n=C forged\"}"},
+      {ModelFormat::Json, "i.json", "",
        "@/i.json:2: the name \"a\\n=C forged\" holds a control character (code 10)"},
       // Counts and bounds at the edges.
-      {ModelFormat::Json,
-       {"c.json", "{\"rowCount\": 18446744073709551615, \"rows\": [{\"name\": \"r\", \"type\": \"E\"}]}"},
+      {ModelFormat::Json, "c.json", "",
        "@/c.json:1: \"rowCount\" is 18446744073709551615 but \"rows\" has 1"},
-      {ModelFormat::Json,
-       {"b.json", "{\"cols\": [{\"name\": \"x(a)\", \"lower\": 3e300}]}"},
+      {ModelFormat::Json, "b.json", "",
        "@/b.json: column x(a) has a lower bound of 3e+300, which no value can meet (bounds of "
        "1e+300 and beyond are infinite)"},
-      {ModelFormat::Mps,
-       {"b.mps", "NAME T\nROWS\n N obj\nCOLUMNS\n x obj 1\nBOUNDS\n UP BND x -1e300\nENDATA\n"},
+      {ModelFormat::Mps, "b.mps", "",
        "@/b.mps: column x has an upper bound of -1e+300, which no value can meet (bounds of "
        "1e+300 and beyond are infinite)"},
   };
-  HostScratch s;
+  const std::string dir = hostTestData("limits");
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.file.name);
+    SCOPED_TRACE(c.name);
     HostInstance inst;
     std::string error;
-    EXPECT_FALSE(read(s, c.file, c.format, inst, error));
+    EXPECT_FALSE(readLimitsModel(c.format, c.name, c.dataName, inst, error));
     std::string expected = c.error;
     for (std::size_t at = expected.find('@'); at != std::string::npos; at = expected.find('@', at))
-      expected.replace(at, 1, s.dir.string());
+      expected.replace(at, 1, dir);
     EXPECT_EQ(error, expected);
   }
 }
@@ -134,29 +124,21 @@ TEST(HostLimits, DeepNestingAndLongPathsAreRead) {
 TEST(HostLimits, CollidingNamesAreMadeDistinct) {
   struct Case {
     ModelFormat format;
-    ModelFile file;
+    std::string name;  // a file of tests/data/host/limits/
     std::vector<std::string> rows;
   };
   const std::vector<Case> cases = {
-      {ModelFormat::MathProg,
-       {"c.mod", "var x; var y;\nminimize band_lo: x;\ns.t. band: -1 <= x + y <= 4;\n"
-                 "s.t. r17: x >= 0;\ns.t. r{i in 17..17}: y >= 0;\nend;\n"},
-       {"band_lo", "band_lo_", "band_up", "r17", "r(17)"}},
-      {ModelFormat::Lp,
-       {"c.lp", "minimize\n obj: x\nsubject to\n obj: x >= 1\n r: x - y >= 0\nend\n"},
-       {"obj", "obj_", "r"}},
+      {ModelFormat::MathProg, "c.mod", {"band_lo", "band_lo_", "band_up", "r17", "r(17)"}},
+      {ModelFormat::Lp, "c.lp", {"obj", "obj_", "r"}},
       // Labels that the dictionary cuts to one text (found by the fuzzer).
-      {ModelFormat::MathProg,
-       {"cut.mod", "set I := {'" + std::string(64, 'a') + "x', '" + std::string(64, 'a') +
-                       "y'};\nvar v{I};\ns.t. c{i in I}: v[i] >= 0;\nend;\n"},
+      {ModelFormat::MathProg, "cut.mod",
        {"c(" + std::string(64, 'a') + ")", "c_(" + std::string(64, 'a') + ")"}},
   };
-  HostScratch s;
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.file.name);
+    SCOPED_TRACE(c.name);
     HostInstance inst;
     std::string error;
-    ASSERT_TRUE(read(s, c.file, c.format, inst, error)) << error;
+    ASSERT_TRUE(readLimitsModel(c.format, c.name, "", inst, error)) << error;
     EXPECT_EQ(rowNames(inst), c.rows);
   }
 }

@@ -19,38 +19,25 @@ std::string labelsOf(const HostName& n) {
   return out;
 }
 
-TEST(HostNames, BracketsParenthesesAndQuotes) {
-  HostName a = hostParseName("supply[seattle]");
-  EXPECT_EQ(a.symbol, "supply");
-  EXPECT_EQ(labelsOf(a), "seattle");
-  HostName b = hostParseName("x(seattle,'new york')");
-  EXPECT_EQ(b.symbol, "x");
-  EXPECT_EQ(labelsOf(b), "seattle|'new york");
-  ASSERT_EQ(b.labels.size(), 2u);
-  EXPECT_EQ(b.labels[1].text, "new york");
-  EXPECT_EQ(b.labels[1].quote, '\'');
-  EXPECT_EQ(b.labels[0].quote, ' ');
-  HostName c = hostParseName("flow[\"a b\", c ,'O''Hare']");
-  EXPECT_EQ(c.symbol, "flow");
-  EXPECT_EQ(labelsOf(c), "\"a b|c|'O'Hare");
-  HostName comma = hostParseName("r('a,b',c)");
-  EXPECT_EQ(labelsOf(comma), "'a,b|c");
-}
-
-TEST(HostNames, DigitsSuffixAndScalars) {
-  HostName a = hostParseName("x17");
-  EXPECT_EQ(a.symbol, "x");
-  EXPECT_EQ(labelsOf(a), "17");
-  HostName b = hostParseName("e_3");
-  EXPECT_EQ(b.symbol, "e_");
-  EXPECT_EQ(labelsOf(b), "3");
-  HostName c = hostParseName("R0009");
-  EXPECT_EQ(c.symbol, "R");
-  EXPECT_EQ(labelsOf(c), "0009");
-  for (const char* scalar : {"cost", "17", "a(b)c", "x()", "x(a,)", "(a)", "y['open)", "z(a"}) {
-    HostName s = hostParseName(scalar);
-    EXPECT_EQ(s.symbol, scalar) << scalar;
-    EXPECT_TRUE(s.labels.empty()) << scalar;
+// Brackets and parentheses, quotes of either kind (a doubled one is one, a comma inside is
+// text), digits at the end; what is none of these is a scalar of the whole name. The labels
+// are written with their quote character in front and | between them.
+TEST(HostNames, BracketsParenthesesQuotesAndDigits) {
+  const struct {
+    const char *name, *symbol, *labels;
+  } cases[] = {
+      {"supply[seattle]", "supply", "seattle"},
+      {"x(seattle,'new york')", "x", "seattle|'new york"},
+      {"flow[\"a b\", c ,'O''Hare']", "flow", "\"a b|c|'O'Hare"},
+      {"r('a,b',c)", "r", "'a,b|c"},
+      {"x17", "x", "17"}, {"e_3", "e_", "3"}, {"R0009", "R", "0009"},
+      {"cost", "cost", ""}, {"17", "17", ""}, {"a(b)c", "a(b)c", ""}, {"x()", "x()", ""},
+      {"x(a,)", "x(a,)", ""}, {"(a)", "(a)", ""}, {"y['open)", "y['open)", ""}, {"z(a", "z(a", ""},
+  };
+  for (const auto& c : cases) {
+    const HostName n = hostParseName(c.name);
+    EXPECT_EQ(n.symbol, c.symbol) << c.name;
+    EXPECT_EQ(labelsOf(n), c.labels) << c.name;
   }
 }
 

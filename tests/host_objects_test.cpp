@@ -13,21 +13,11 @@
 
 namespace {
 
-// Three rows, four columns: column 2 is empty, column 3 holds a nonlinear entry in row 3.
 HostInstance threeByFour() {
   HostInstance in;
-  in.rowType = {kRowE, kRowG, kRowL};
-  in.rowRhs = {0, 1, 4};
-  in.colType = {kVarContinuous, kVarBinary, kVarContinuous, kVarContinuous};
-  in.colLower = {0, 0, -kHostInf, 2};
-  in.colUpper = {kHostInf, 1, 5, kHostInf};
-  in.colStart = {0, 2, 2, 4, 5};
-  in.entryRow = {0, 1, 1, 2, 2};
-  in.entryValue = {1.5, -2, 3, 4, -1};
-  in.entryNonlinear = {0, 0, 0, 1, 0};
-  in.objVar = 4;
-  in.objRow = 3;
-  in.minimizing = false;
+  std::string error;
+  EXPECT_TRUE(readModel({hostTestData("three-by-four.json"), ModelFormat::Json, "", {}}, in, error))
+      << error;
   return in;
 }
 
@@ -156,24 +146,10 @@ TEST(HostControlFile, EntriesAndRefusals) {
   EXPECT_EQ(options[1], (std::pair<std::string, std::string>{"PageWidth", "130"}));
   EXPECT_EQ(options[2].second, "");
 
-  const struct {
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {"NameStaFile = a\nColour = red\n", ":2: unknown entry \"Colour\""},
-      {"NameStaFile a\n", ":1: no \"=\" in \"NameStaFile a\""},
-      {"\n\nPageWidth = wide\n", ":3: PageWidth must be a whole number, not \"wide\""},
-      {"PageSize = 12x\n", ":1: PageSize must be a whole number, not \"12x\""},
-      {"= 5\n", ":1: no entry name before \"=\""},
-      {"ModelFormat = gms\n",
-       ":1: unknown model format \"gms\" (json, mathprog, mps, fixed-mps, lp or nl)"},
-      {"ScaleSource = yes\n", ":1: ScaleSource must be none or auto, not \"yes\""},
-      {"NameScrExt = dat\nNameScrExt = tmp\n", ":2: entry NameScrExt given twice (also on line 1)"},
-  };
-  for (const auto& c : cases) {
+  for (const FileCase& c : readCases("host/control-refusals.cases")) {
     const std::string path = scratch.write("bad.ctl", c.text);
     EXPECT_FALSE(readHostControlFile(path, options, error));
-    EXPECT_EQ(error, path + c.message);
+    EXPECT_EQ(error, path + c.expected);
   }
   EXPECT_FALSE(readHostControlFile(scratch.path("none.ctl"), options, error));
   EXPECT_EQ(error, scratch.path("none.ctl") + ": cannot open the control file");
@@ -318,41 +294,18 @@ TEST(HostSolutionFile, RefusalsNameFileAndLine) {
   HostInstance in;
   std::string error;
   ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in, error));
-  std::string rows, cols;
-  for (int i = 1; i <= 9; ++i) rows += "row " + std::to_string(i) + " 0 0 2 0\n";
-  for (int j = 1; j <= 8; ++j) cols += "col " + std::to_string(j) + " 0 0 2 0\n";
-  const std::string head = "modelStat 1\nrows 9\ncols 8\n";
   HostSolution solution;
-  const std::string ok = scratch.write("ok.sol", "* hand made\n" + head + rows + cols);
-  ASSERT_TRUE(readSolutionFile(ok, in, solution, error)) << error;
+  std::string ok = "* hand made\nmodelStat 1\nrows 9\ncols 8\n";
+  for (int i = 1; i <= 9; ++i) ok += "row " + std::to_string(i) + " 0 0 2 0\n";
+  for (int j = 1; j <= 8; ++j) ok += "col " + std::to_string(j) + " 0 0 2 0\n";
+  ASSERT_TRUE(readSolutionFile(scratch.write("ok.sol", ok), in, solution, error)) << error;
   EXPECT_EQ(solution.modelStat, 1);
   EXPECT_EQ(solution.solveStat, 1);
 
-  const struct {
-    std::string text;
-    const char* message;
-  } cases[] = {
-      {"modelStat 1\nrows 8\n", ":2: the solution has 8 rows, the model 9"},
-      {head + "row 10 0 0 2 0\n", ":4: row index \"10\" is not 1 to 9"},
-      {head + "row 1 0 x 2 0\n", ":4: marginal \"x\" is not a finite number"},
-      {head + "row 1 nan 0 2 0\n", ":4: level \"nan\" is not a finite number"},
-      {head + "col 2 -inf 0 2 0\n", ":4: level \"-inf\" is not a finite number"},
-      {head + "col 2 0 1e999 2 0\n", ":4: marginal \"1e999\" is not a finite number"},
-      {head + "col 9 0 0 2 0\n", ":4: col index \"9\" is not 1 to 8"},
-      {head + "col 1 0 0 4 0\n", ":4: basis status \"4\" is not 0 to 3"},
-      {head + "col 1 0 0 2\n", ":4: col line needs index, level, marginal, stat, cstat"},
-      {head + "col 1 0 0 2 0 y\n", ":4: col 1 is \"x(n,e)\" in the model, not \"y\""},
-      {head + "row 1 0 0 2 0\nrow 1 0 0 2 0\n", ":5: row 1 given twice (also on line 4)"},
-      {"row 1 0 0 2 0\n", ":1: \"rows\" must come before the first row line"},
-      {"modelStat 15\n", ":1: model status 15 is not 1 to 14"},
-      {"level 1\n", ":1: unknown line kind \"level\""},
-      {head + rows, ":12: col 1 is missing"},
-      {"rows 9\ncols 8\n" + rows + cols, ":19: no modelStat line"},
-  };
-  for (const auto& c : cases) {
+  for (const FileCase& c : readCases("host/solution-refusals.cases")) {
     const std::string path = scratch.write("bad.sol", c.text);
     EXPECT_FALSE(readSolutionFile(path, in, solution, error)) << c.text;
-    EXPECT_EQ(error, path + c.message);
+    EXPECT_EQ(error, path + c.expected);
   }
 }
 

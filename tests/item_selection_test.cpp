@@ -135,13 +135,7 @@ TEST(MatchRequests, EmptyListsByProcedure) {
 struct ResolveRequests : ::testing::Test {
   analysis_test::RunFixture fx;
   void SetUp() override {
-    analysis_test::ModelBuilder b;
-    b.row("SUPPLY", {"SEATTLE"}, 2, 350);
-    b.row("SUPPLY", {"'san diego'"}, 2, 600);
-    b.row("DEMAND", {"NEW-YORK"}, 1, 325);
-    b.col("X", {"SEATTLE", "NEW-YORK"}, 0, analysis_test::INF);
-    b.col("X", {"'san diego'", "NEW-YORK"}, 0, analysis_test::INF);
-    fx.start(b.build());
+    fx.start(analysis_test::modelFile("requests/unmet-requests.json"));
   }
   std::vector<int32_t> resolve(Section& s, int32_t procIndex) {
     std::vector<int32_t> rows(3, 0);

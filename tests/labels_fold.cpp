@@ -7,8 +7,7 @@
 #include "analysis_fixture.h"
 #include "model/blocks.h"
 
-using analysis_test::INF;
-using analysis_test::ModelBuilder;
+using analysis_test::modelFile;
 using analysis_test::RunFixture;
 
 namespace {
@@ -44,34 +43,17 @@ TEST(FoldItemLabel, AnElementWiderThanTheLineIsNotCutButTheCapacityCuts) {
   EXPECT_EQ(fold("X(AVERYLONGLABELNAME,B)", 10, 8), (Lines{"X(AVERYL", "  B)"}));
 }
 
-// One model with a scalar, a quoted label, a label of 64 characters and a symbol of many
-// long quoted labels.
+// The rows and columns of tests/data/labels/labels.json.
 struct LabelModel {
-  ModelBuilder b;
-  int32_t total, ship, longLabel, wide, cap;
-  std::string label64 = std::string(60, 'a') + "wxyz";
-  LabelModel() {
-    total = b.row("COST", {}, kRowE, 0.0);
-    cap = b.row("CAP", {"'new york'", "seattle"}, kRowL, 10.0);
-    ship = b.col("X", {"seattle", "'new york'"}, 0.0, INF);
-    b.col("X", {"seattle", "chicago"}, 0.0, INF);
-    longLabel = b.col("Y", {label64}, 0.0, INF);
-    std::vector<std::string> ten;
-    wide = b.col("WIDE", {"'" + std::string(63, 'p') + "'", "'" + std::string(63, 'q') + "'",
-                          "'" + std::string(63, 'r') + "'", "'" + std::string(63, 's') + "'",
-                          "'" + std::string(63, 't') + "'", "'" + std::string(63, 'u') + "'",
-                          "'" + std::string(63, 'v') + "'", "'" + std::string(63, 'w') + "'",
-                          "'" + std::string(63, 'x') + "'", "'" + std::string(63, 'y') + "'"},
-                  0.0, INF);
-    b.add(total, ship, 1.0);
-    b.add(cap, ship, 1.0);
-  }
+  const int32_t total = 1, cap = 2;                 // COST, CAP('new york',seattle)
+  const int32_t ship = 1, longLabel = 3, wide = 4;  // X(seattle,'new york'), Y(64 long), WIDE
+  const HostInstance b = modelFile("labels/labels.json");
 };
 
 TEST(ItemLabels, FullTextsAndParts) {
   LabelModel lm;
   RunFixture fx;
-  fx.start(lm.b.build());
+  fx.start(lm.b);
   ovdHandle d = runState.dictionary;
   std::string text;
   int32_t length = 0, dim = -1, isNew = 0;
@@ -109,7 +91,7 @@ TEST(ItemLabels, FullTextsAndParts) {
 TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
   LabelModel lm;
   RunFixture fx;
-  fx.start(lm.b.build());
+  fx.start(lm.b);
   std::string text;
   int32_t length = 0, dim = 0, isNew = 0;
   varItemLabel(runState, runState.dictionary, lm.wide, text, length, dim, isNew, 375);
@@ -130,7 +112,7 @@ TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
 TEST(ItemLabels, NewSymbolFollowsTheLastColumnNamed) {
   LabelModel lm;
   RunFixture fx;
-  fx.start(lm.b.build());
+  fx.start(lm.b);
   ovdHandle d = runState.dictionary;
   std::vector<char> store(10 * 31, ' ');
   TextTable parts{store.data(), 31, 10};

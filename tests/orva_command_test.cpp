@@ -96,11 +96,7 @@ TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {
 
 TEST(OrvaCommandBadInput, UnsolvableModelSaysWhatToDo) {
   const fs::path dir = freshDir("unsolvable");
-  std::ofstream(dir / "sos.json") << R"({"name": "sos", "objVar": "z", "rows": [
-  {"name": "cost", "type": "E", "rhs": 0}],
-  "cols": [{"name": "x", "type": "sos1", "upper": 4, "entries": [["cost", 1]]},
-  {"name": "z", "lower": "-inf", "entries": [["cost", -1]]}]})";
-  RunResult r = runOrva(dir, {"sos.json", "--solve"});
+  RunResult r = runOrva(dir, {kData + "sos.json", "--solve"});
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("sos.json: cannot solve: variable 1 is of a kind (SOS or semi-continuous)"),
             std::string::npos)
@@ -250,20 +246,12 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   fs::remove_all(dir);
 }
 
-}  // namespace
-
-namespace {
-
 // A solution the user has is checked, handed over as it is, and its statuses close the listing.
 TEST(OrvaCommandRun, UserSolutionHandedOver) {
   const fs::path dir = freshDir("usersol");
-  std::ofstream(dir / "mine.sol") << "* x = y = 1: feasible, not optimal\n"
-                                     "modelStat 7\nsolveStat 3\nrows 3\ncols 3\n"
-                                     "row 1 0 -1 0 0\nrow 2 2 2 0 0\nrow 3 1 0 2 0\n"
-                                     "col 1 1 0 2 0\ncol 2 1 0 2 0\ncol 3 3 0 2 0\n";
   const fs::path scratch = dir / "kept";
-  RunResult r = runOrva(dir, {kData + "small.json", "--solution", "mine.sol", "--keep-scratch",
-                              scratch.string()});
+  RunResult r = runOrva(dir, {kData + "small.json", "--solution", kData + "small-feasible.sol",
+                              "--keep-scratch", scratch.string()});
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
   EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
@@ -323,10 +311,6 @@ TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
   }
   fs::remove_all(dir);
 }
-
-}  // namespace
-
-namespace {
 
 // modrake's own exit status comes back: VARBLOCK 1 is too small for the transport model's
 // two variable symbols (ship and the objective variable), so BLOCKPIC stops the run with 77.

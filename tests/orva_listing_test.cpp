@@ -104,30 +104,31 @@ TEST(OrvaListing, WrittenWholeFromTheFiles) {
   std::remove(listingPath.c_str());
 }
 
-bool orvaRequestsNeedSolution(const std::string& text) {
-  return orvaScanRequests(text).needsSolution;
-}
 
+// POSTOPT or NONOPT want a solution where they run: blanks are dropped before reading; a THEEND
+// first runs BLOCKPIC, then reading goes on; in the section of a procedure that reads one,
+// THEEND is a request and the next keyword runs. Comments and sections hold no keyword.
 TEST(OrvaRequests, SolutionWantedByPostoptOrNonopt) {
-  EXPECT_TRUE(orvaRequestsNeedSolution("ANALYSIS\nPOSTOPT\nVARIABLES\nx\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("  nonopt verbose\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("$POSTOPT\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("'$NonOpt\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("POST OPT\n"));  // blanks are dropped before reading
-  EXPECT_TRUE(orvaRequestsNeedSolution("THEEND\nPOSTOPT\n"));  // BLOCKPIC first, then read on
-  // In the section of a procedure that reads one, THEEND is a request: the next keyword runs.
-  EXPECT_TRUE(orvaRequestsNeedSolution("DISPLAYCR\nTHEEND\nPOSTOPT\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("PICTURE\nVARIABLES\nx\ntheend\n$NONOPT\n"));
-  EXPECT_TRUE(orvaRequestsNeedSolution("MATCHIT\nTHEEND\nBLOCKPIC\nNONOPT\n"));
-}
-
-TEST(OrvaRequests, NoSolutionWanted) {
-  EXPECT_FALSE(orvaRequestsNeedSolution(""));
-  EXPECT_FALSE(orvaRequestsNeedSolution("ANALYSIS\nBLOCKPIC\nDISPLAYCR\n"));
-  EXPECT_FALSE(orvaRequestsNeedSolution("# POSTOPT is for later\n? NONOPT too\n"));
-  EXPECT_FALSE(orvaRequestsNeedSolution("BLOCKPIC\nTHEEND\nPOSTOPT\n"));
-  EXPECT_FALSE(orvaRequestsNeedSolution("DISPLAYCR\nANALYSIS\nTHEEND\nNONOPT\n"));
-  EXPECT_FALSE(orvaRequestsNeedSolution("DISPLAYCR\nVARIABLES\nship(seattle,*)\n"));
+  const std::pair<const char*, bool> cases[] = {
+      {"ANALYSIS\nPOSTOPT\nVARIABLES\nx\n", true},
+      {"  nonopt verbose\n", true},
+      {"$POSTOPT\n", true},
+      {"'$NonOpt\n", true},
+      {"POST OPT\n", true},
+      {"THEEND\nPOSTOPT\n", true},
+      {"DISPLAYCR\nTHEEND\nPOSTOPT\n", true},
+      {"PICTURE\nVARIABLES\nx\ntheend\n$NONOPT\n", true},
+      {"MATCHIT\nTHEEND\nBLOCKPIC\nNONOPT\n", true},
+      {"", false},
+      {"ANALYSIS\nBLOCKPIC\nDISPLAYCR\n", false},
+      {"# POSTOPT is for later\n? NONOPT too\n", false},
+      {"BLOCKPIC\nTHEEND\nPOSTOPT\n", false},
+      {"DISPLAYCR\nANALYSIS\nTHEEND\nNONOPT\n", false},
+      {"DISPLAYCR\nVARIABLES\nship(seattle,*)\n", false},
+  };
+  for (const auto& [text, wanted] : cases) {
+    EXPECT_EQ(orvaScanRequests(text).needsSolution, wanted) << text;
+  }
 }
 
 // Only lines between procedures that modrake cannot match are stray: not comments, keywords

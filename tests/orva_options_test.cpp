@@ -60,28 +60,9 @@ TEST(OrvaOptionFile, KeywordsWithoutRegardToCaseCommentsAndBlankLines) {
 }
 
 TEST(OrvaOptionFile, RefusalsNameFileLineAndReason) {
-  struct Case {
-    const char* text;
-    const char* error;
-  };
-  const Case cases[] = {
-      {"VARBLOCK 3\nVARBLOKC 4\n",
-       "run.opt:2: unknown option keyword \"VARBLOKC\"; known are VARBLOCK, EQUBLOCK, "
-       "VARREQUESTS, EQUREQUESTS, SCALE, LARGELEVEL, LARGEMARGINAL"},
-      {"* c\n\nSCALE 1.5\n", "run.opt:3: the value \"1.5\" of SCALE is not a whole number"},
-      {"SCALE ten\n", "run.opt:1: the value \"ten\" of SCALE is not a whole number"},
-      {"SCALE -\n", "run.opt:1: the value \"-\" of SCALE is not a whole number"},
-      {"EQUBLOCK 100000\n", "run.opt:1: the value 100000 of EQUBLOCK lies outside -9999 to 99999"},
-      {"EQUBLOCK -10000\n", "run.opt:1: the value -10000 of EQUBLOCK lies outside -9999 to 99999"},
-      {"LARGELEVEL 99999999999999999999\n",
-       "run.opt:1: the value 99999999999999999999 of LARGELEVEL lies outside -9999 to 99999"},
-      {"VARREQUESTS\n", "run.opt:1: VARREQUESTS needs a whole number as its value"},
-      {"VARREQUESTS 10 20\n", "run.opt:1: unexpected text \"20\" after the value of VARREQUESTS"},
-      {"varblock 1\nVARBLOCK 2\n", "run.opt:2: VARBLOCK is given twice, first on line 1"},
-  };
-  for (const Case& c : cases) {
+  for (const FileCase& c : readCases("orva/option-refusals.cases")) {
     OrvaOptions o;
-    EXPECT_EQ(parseError(c.text, o), c.error) << c.text;
+    EXPECT_EQ(parseError(c.text, o), c.expected) << c.text;
   }
 }
 
@@ -104,15 +85,7 @@ TEST(OrvaControlRecords, ValuesStandInTheirColumns) {
   o.largeLevel = 12;
   o.largeMarginal = 345;
   const std::vector<std::string> r = orvaControlRecords(o);
-  ASSERT_EQ(r.size(), 8u);
-  EXPECT_EQ(r[0], "Solution expected             T");
-  EXPECT_EQ(r[1], "Variable requests                 7");
-  EXPECT_EQ(r[2], "Equation requests             99999");
-  EXPECT_EQ(r[3], "Variable blocks               -9999");
-  EXPECT_EQ(r[4], "Equation blocks                   0");
-  EXPECT_EQ(r[5], "Scale factors                    -1");
-  EXPECT_EQ(r[6], "Large level exponent             12");
-  EXPECT_EQ(r[7], "Large marginal exponent         345");
+  EXPECT_TRUE(matchesGolden(r, "orva/control-records"));
   for (size_t k = 1; k < r.size(); ++k) EXPECT_EQ(r[k].size(), 35u) << k;
   o.solutionExpected = false;
   EXPECT_EQ(orvaControlRecords(o)[0].substr(30), "F");

@@ -12,36 +12,15 @@
 
 namespace {
 
-const double inf = kHostInf;
-
-// An instance built column by column. Row 1 is the objective row when `objective` is set.
-struct Builder {
+// A model of tests/data/solve/.
+HostInstance model(const std::string& name) {
   HostInstance inst;
-  Builder() { inst.colStart.push_back(0); }
-  int row(int32_t type, double rhs) {
-    inst.rowType.push_back(type);
-    inst.rowRhs.push_back(rhs);
-    return ++inst.rowCount;
-  }
-  int col(double lo, double up, std::vector<std::pair<int, double>> entries,
-          int32_t type = kVarContinuous) {
-    inst.colLower.push_back(lo);
-    inst.colUpper.push_back(up);
-    inst.colType.push_back(type);
-    for (auto [r, v] : entries) {
-      inst.entryRow.push_back(r - 1);
-      inst.entryValue.push_back(v);
-      inst.entryNonlinear.push_back(0);
-    }
-    inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
-    return ++inst.colCount;
-  }
-  // The objective variable z, free, with -1 in row `obj`, which becomes the objective row.
-  void objective(int obj) {
-    inst.objVar = col(-inf, inf, {{obj, -1.0}});
-    inst.objRow = obj;
-  }
-};
+  std::string error;
+  const ModelSource source{std::string(SOURCE_DIR) + "/tests/data/solve/" + name, ModelFormat::Json,
+                           "", {}};
+  EXPECT_TRUE(readModel(source, inst, error)) << error;
+  return inst;
+}
 
 HostSolution solve(const HostInstance& inst) {
   HostSolution s;
@@ -116,14 +95,10 @@ int count(const std::vector<int32_t>& v, int32_t value) {
 }
 
 TEST(OrvaSolveLp, MinimizationWorkedByHand) {
-  // min z: z = x + 2y;  x + y >= 2;  x <= 1.5 (a row);  x, y >= 0.
-  Builder b;
-  int obj = b.row(kRowE, 0.0), cover = b.row(kRowG, 2.0), cap = b.row(kRowL, 1.5);
-  b.col(0, inf, {{obj, 1.0}, {cover, 1.0}, {cap, 1.0}});
-  b.col(0, inf, {{obj, 2.0}, {cover, 1.0}});
-  b.objective(obj);
-  ASSERT_EQ(orvaUnsolvableReason(b.inst), "");
-  const HostSolution s = solve(b.inst);
+  const HostInstance inst = model("min.json");
+  const int obj = 1, cover = 2, cap = 3;
+  ASSERT_EQ(orvaUnsolvableReason(inst), "");
+  const HostSolution s = solve(inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_EQ(s.solveStat, kSolveNormal);
   EXPECT_NEAR(s.colLevel[0], 1.5, 1e-9);
@@ -136,18 +111,13 @@ TEST(OrvaSolveLp, MinimizationWorkedByHand) {
   EXPECT_EQ(s.rowStat, (std::vector<int32_t>{0, 0, 1}));
   EXPECT_EQ(s.colStat, (std::vector<int32_t>{2, 2, 2}));
   EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
-  expectAccountsClose(b.inst, s);
+  expectAccountsClose(inst, s);
 }
 
 TEST(OrvaSolveLp, MaximizationWithVariableAtUpperBound) {
-  // max z: z = 3x + 2y;  x + y <= 4;  x + 3y <= 7;  0 <= x <= 3, y >= 0.
-  Builder b;
-  int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 4.0), r2 = b.row(kRowL, 7.0);
-  b.col(0, 3, {{obj, 3.0}, {r1, 1.0}, {r2, 1.0}});
-  b.col(0, inf, {{obj, 2.0}, {r1, 1.0}, {r2, 3.0}});
-  b.objective(obj);
-  b.inst.minimizing = false;
-  const HostSolution s = solve(b.inst);
+  const HostInstance inst = model("max.json");
+  const int r1 = 2, r2 = 3;
+  const HostSolution s = solve(inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_NEAR(s.colLevel[0], 3.0, 1e-9);
   EXPECT_NEAR(s.colLevel[1], 1.0, 1e-9);
@@ -159,31 +129,18 @@ TEST(OrvaSolveLp, MaximizationWithVariableAtUpperBound) {
   EXPECT_EQ(s.rowStat[r1 - 1], 1);
   EXPECT_EQ(s.rowStat[r2 - 1], 2);
   EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
-  expectAccountsClose(b.inst, s);
+  expectAccountsClose(inst, s);
 }
 
 TEST(OrvaSolveLp, InfeasibleModelShowsItsInfeasibleItems) {
-  // x + y >= 5 with x, y in [0, 1].
-  Builder b;
-  int obj = b.row(kRowE, 0.0), need = b.row(kRowG, 5.0);
-  b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
-  b.col(0, 1, {{obj, 1.0}, {need, 1.0}});
-  b.objective(obj);
-  const HostSolution s = solve(b.inst);
+  const HostSolution s = solve(model("infeasible.json"));
   EXPECT_EQ(s.modelStat, kStatInfeasible);
   EXPECT_GE(count(s.rowCStat, 2) + count(s.colCStat, 2), 1);
 }
 
 TEST(OrvaSolveLp, UnboundedModelMarksTheRayAndWhatItDrives) {
-  // min z: z = -x - w;  x - y = 0;  w <= 1;  x, y, w >= 0: x and y grow together without end,
-  // and z with them; w stops at its bound and the row stays fixed.
-  Builder b;
-  int obj = b.row(kRowE, 0.0), link = b.row(kRowE, 0.0);
-  b.col(0, inf, {{obj, -1.0}, {link, 1.0}});
-  b.col(0, inf, {{link, -1.0}});
-  b.col(0, 1, {{obj, -1.0}});
-  b.objective(obj);
-  const HostSolution s = solve(b.inst);
+  // x and y grow together without end, and z with them; w stops at its bound.
+  const HostSolution s = solve(model("unbounded.json"));
   EXPECT_EQ(s.modelStat, kStatUnbounded);
   EXPECT_EQ(s.colCStat[0], 3);
   EXPECT_EQ(s.colCStat[1], 3);
@@ -193,26 +150,15 @@ TEST(OrvaSolveLp, UnboundedModelMarksTheRayAndWhatItDrives) {
 }
 
 TEST(OrvaSolveLp, CrossedBoundsAreInfeasibleWithoutASolve) {
-  Builder b;
-  int obj = b.row(kRowE, 0.0);
-  b.col(2, 1, {{obj, 1.0}});
-  b.objective(obj);
-  const HostSolution s = solve(b.inst);
+  const HostSolution s = solve(model("crossed.json"));
   EXPECT_EQ(s.modelStat, kStatInfeasible);
   EXPECT_EQ(s.colLevel[0], 2.0);
   EXPECT_EQ(s.colCStat[0], 2);
 }
 
 TEST(OrvaSolveMip, IntegerOptimumFixedForMarginals) {
-  // max z: z = 5x + 4y;  6x + 4y <= 24;  x + 2y <= 6;  x, y integer >= 0.
-  // The relaxation has x = 3, y = 1.5 (21); the integer optimum is x = 4, y = 0 (20).
-  Builder b;
-  int obj = b.row(kRowE, 0.0), r1 = b.row(kRowL, 24.0), r2 = b.row(kRowL, 6.0);
-  b.col(0, inf, {{obj, 5.0}, {r1, 6.0}, {r2, 1.0}}, kVarInteger);
-  b.col(0, inf, {{obj, 4.0}, {r1, 4.0}, {r2, 2.0}}, kVarInteger);
-  b.objective(obj);
-  b.inst.minimizing = false;
-  const HostSolution s = solve(b.inst);
+  const HostInstance inst = model("mip.json");
+  const HostSolution s = solve(inst);
   EXPECT_EQ(s.modelStat, kStatOptimal);
   EXPECT_EQ(s.colLevel[0], 4.0);
   EXPECT_EQ(s.colLevel[1], 0.0);
@@ -222,54 +168,38 @@ TEST(OrvaSolveMip, IntegerOptimumFixedForMarginals) {
   EXPECT_GE(s.colStat[0], 2);
   EXPECT_EQ(s.colStat[1], 0);
   EXPECT_EQ(count(s.rowCStat, 0) + count(s.colCStat, 0), 6);
-  expectAccountsClose(b.inst, s);
+  expectAccountsClose(inst, s);
 }
 
 TEST(OrvaSolveMip, IntegerInfeasible) {
-  // 2x = 1 with x integer.
-  Builder b;
-  int obj = b.row(kRowE, 0.0), half = b.row(kRowE, 1.0);
-  b.col(0, 10, {{obj, 1.0}, {half, 2.0}}, kVarInteger);
-  b.objective(obj);
-  const HostSolution s = solve(b.inst);
+  const HostSolution s = solve(model("mip-infeasible.json"));
   EXPECT_EQ(s.modelStat, kStatIntegerInfeasible);
 }
 
 TEST(OrvaSolve, UnsolvableInstancesAreNamed) {
-  auto base = [] {
-    Builder b;
-    int obj = b.row(kRowE, 0.0);
-    b.col(0, 1, {{obj, 1.0}});
-    b.objective(obj);
-    return b;
-  };
-  Builder sos = base();
-  sos.inst.colType[0] = kVarSos1;
-  EXPECT_NE(orvaUnsolvableReason(sos.inst).find("SOS or semi-continuous"), std::string::npos);
-  Builder nl = base();
-  nl.inst.entryNonlinear[0] = 1;
-  EXPECT_NE(orvaUnsolvableReason(nl.inst).find("nonlinear"), std::string::npos);
-  Builder dup = base();
-  dup.col(0, 1, {{1, 1.0}, {1, 2.0}});
-  EXPECT_EQ(orvaUnsolvableReason(dup.inst), "row 1 appears twice in variable 3");
-  Builder away = base();
-  away.col(0, 1, {{7, 1.0}});
-  EXPECT_EQ(orvaUnsolvableReason(away.inst), "variable 3 has an entry in row 7, which does not exist");
-  Builder nan = base();
-  nan.inst.entryValue[0] = std::nan("");
-  EXPECT_NE(orvaUnsolvableReason(nan.inst).find("not a finite number"), std::string::npos);
-  Builder shortArrays = base();
-  shortArrays.inst.colLower.pop_back();
-  EXPECT_EQ(orvaUnsolvableReason(shortArrays.inst), "the instance's arrays do not agree with its counts");
+  // Entry 3 (0-based) is the entry of w, variable 3, in row r.
+  HostInstance sos = model("unsolvable.json");
+  sos.colType[0] = kVarSos1;
+  EXPECT_NE(orvaUnsolvableReason(sos).find("SOS or semi-continuous"), std::string::npos);
+  HostInstance nl = model("unsolvable.json");
+  nl.entryNonlinear[0] = 1;
+  EXPECT_NE(orvaUnsolvableReason(nl).find("nonlinear"), std::string::npos);
+  HostInstance dup = model("unsolvable.json");
+  dup.entryRow[3] = 0;
+  EXPECT_EQ(orvaUnsolvableReason(dup), "row 1 appears twice in variable 3");
+  HostInstance away = model("unsolvable.json");
+  away.entryRow[3] = 6;
+  EXPECT_EQ(orvaUnsolvableReason(away), "variable 3 has an entry in row 7, which does not exist");
+  HostInstance nan = model("unsolvable.json");
+  nan.entryValue[0] = std::nan("");
+  EXPECT_NE(orvaUnsolvableReason(nan).find("not a finite number"), std::string::npos);
+  HostInstance shortArrays = model("unsolvable.json");
+  shortArrays.colLower.pop_back();
+  EXPECT_EQ(orvaUnsolvableReason(shortArrays), "the instance's arrays do not agree with its counts");
 }
 
 TEST(OrvaConditionStatus, JudgedByLevelMarginalAndSense) {
-  // min z: z = x + y;  row x + y >= 1;  x in [0, 4], y in [0, 4].
-  Builder b;
-  int obj = b.row(kRowE, 0.0), need = b.row(kRowG, 1.0);
-  b.col(0, 4, {{obj, 1.0}, {need, 1.0}});
-  b.col(0, 4, {{obj, 1.0}, {need, 1.0}});
-  b.inst.objVar = b.col(-inf, inf, {{obj, -1.0}});
+  HostInstance inst = model("condition.json");
   HostSolution s;
   s.rowLevel = {0.0, 1.0};
   s.rowMarginal = {-1.0, 1.0};
@@ -279,15 +209,15 @@ TEST(OrvaConditionStatus, JudgedByLevelMarginalAndSense) {
   s.colMarginal = {-0.5, 0.0, 0.0};  // x at its lower bound with a negative reduced cost
   s.colStat = {0, 2, 2};
   s.colCStat = {0, 0, 3};
-  orvaConditionStatuses(b.inst, s);
+  orvaConditionStatuses(inst, s);
   EXPECT_EQ(s.colCStat, (std::vector<int32_t>{1, 0, 3}));
   EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 0}));
 
   // The same numbers when maximizing: now x may have a negative marginal at its lower bound,
   // and the binding >= row's positive marginal is of the wrong sign.
-  b.inst.minimizing = false;
+  inst.minimizing = false;
   s.colCStat = {0, 0, 0};
-  orvaConditionStatuses(b.inst, s);
+  orvaConditionStatuses(inst, s);
   EXPECT_EQ(s.colCStat, (std::vector<int32_t>{0, 0, 0}));
   EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 1}));
 
@@ -296,7 +226,7 @@ TEST(OrvaConditionStatus, JudgedByLevelMarginalAndSense) {
   s.colMarginal = {0.0, 0.0, 0.0};
   s.rowLevel = {0.0, 1.0 - 2e-6};
   s.rowMarginal = {-1.0, 0.0};
-  orvaConditionStatuses(b.inst, s);
+  orvaConditionStatuses(inst, s);
   EXPECT_EQ(s.colCStat, (std::vector<int32_t>{0, 2, 0}));
   EXPECT_EQ(s.rowCStat, (std::vector<int32_t>{0, 2}));
 }

@@ -11,7 +11,6 @@
 
 namespace {
 
-using analysis_test::INF;
 
 TEST(Picture, CoefficientCodesAtTheirLimits) {
   const std::vector<std::pair<double, char>> cases = {
@@ -34,17 +33,8 @@ TEST(Picture, CoefficientCodesAtTheirLimits) {
 // strip holds 18 columns: the 11 columns and the 13 of the summary do not fit together, so the
 // summary stands alone.
 TEST(Picture, WholePictureAtTheNarrowestWidth) {
-  analysis_test::ModelBuilder b;
-  const int32_t bal = b.row("BAL", {}, 0, 0.0);
-  const int32_t cap = b.row("CAP", {}, 2, 5.0);
-  for (int32_t k = 1; k <= 10; ++k) {
-    const int32_t x = b.col("X", {std::to_string(k)}, 0, k == 10 ? 100.0 : INF);
-    b.add(bal, x, 1.0);
-    if (k == 1) b.add(cap, x, -2.0);
-  }
-  b.add(bal, b.col("Y", {}, -INF, INF), -1.0);
   request_test::SectionRun run;
-  run.start(b.build(), 3, 50, {"VARIABLE", "X", "Y"});
+  run.start(analysis_test::modelFile("requests/picture-narrow.json"), 3, 50, {"VARIABLE", "X", "Y"});
   runPicture(run.regions<Phase::Picture>(), runState);
 
   EXPECT_TRUE(matchesGolden(run.fx.status, "requests/picture-narrow.status"));

@@ -3,12 +3,9 @@
 // check that cannot lie: POSTOPT over every item of every bundled LP and of the netlib models
 // closes every budget and every row sum.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -17,6 +14,7 @@
 #include "postsolution/engine.h"
 #include "request/selection_tables.h"
 #include "golden.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
@@ -25,27 +23,11 @@ namespace {
 
 const std::string kSource = SOURCE_DIR;
 
-fs::path freshDir(const std::string& name) {
-  const fs::path dir = fs::temp_directory_path() /
-                       ("postsolution_" + name + "_" + std::to_string(::getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  return dir;
-}
-
-// Runs orva on a model with extra arguments; its exit status. The listing is listing.lst, the
-// log log.txt and standard error err.txt in `dir`.
-int orvaRun(const fs::path& dir, const std::string& model, const std::string& extra) {
-  const std::string command = "cd '" + dir.string() + "' && '" + ORVA_BIN + "' '" + model +
-                              "' " + extra + " --listing listing.lst >log.txt 2>err.txt";
-  const int raw = std::system(command.c_str());
-  return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-}
-
-// The listing's lines, empty when orva failed.
-Lines orvaListing(const fs::path& dir, const std::string& model, const std::string& extra) {
-  if (orvaRun(dir, model, extra) != 0) return {};
-  return readLines(dir / "listing.lst");
+// Runs orva on a model with extra arguments; the listing's lines, empty when orva failed.
+Lines orvaListing(const fs::path& dir, const std::string& model, std::vector<std::string> args) {
+  args.insert(args.begin(), model);
+  args.insert(args.end(), {"--listing", "listing.lst"});
+  return runOrva(dir, args).status == 0 ? readLines(dir / "listing.lst") : Lines{};
 }
 
 // Each bundled example of the post-solution reports, solved by orva as its request file asks,
@@ -63,7 +45,7 @@ TEST(PostSolutionListings, BundledExamplesMatchTheirGoldenListings) {
   };
   for (const auto& [name, model] : cases) {
     SCOPED_TRACE(name);
-    const Lines listing = orvaListing(dir, kSource + model, "");
+    const Lines listing = orvaListing(dir, kSource + model, {});
     EXPECT_TRUE(matchesGolden(listing, std::string("postsolution/") + name + ".listing",
                               {{"AUDIT", auditLine()}}));
   }
@@ -79,21 +61,22 @@ TEST(PostSolutionListings, NonlinearExamplesAtTheirSolutions) {
   const std::string base = kSource + "/examples/nonlinear/";
   for (const char* model : {"blend.nl", "blendb.nl"}) {  // the text form and the binary form
     SCOPED_TRACE(model);
-    ASSERT_EQ(orvaRun(dir, base + model,
-                      "--solution " + base + "blend.sol --requests " + base + "blend.mrk"), 0);
-    const Lines blend = readLines(dir / "listing.lst");
+    const Lines blend = orvaListing(dir, base + model, {"--solution", base + "blend.sol",
+                                                        "--requests", base + "blend.mrk"});
     const auto title = std::find(blend.rbegin(), blend.rend(), " ----#### Executing POSTOPT");
     ASSERT_NE(title, blend.rend());
     EXPECT_TRUE(matchesGolden(Lines(title.base() - 1, blend.end()), "postsolution/blend-nl.listing"));
   }
 
-  EXPECT_EQ(orvaRun(dir, base + "yield.nl", "--solution " + base + "yield.sol"), 3);
+  const RunResult yield = runOrva(dir, {base + "yield.nl", "--solution", base + "yield.sol",
+                                        "--listing", "listing.lst"});
+  EXPECT_EQ(yield.status, 3);
   EXPECT_TRUE(matchesGolden(readLines(dir / "listing.lst"), "postsolution/yield-stop.listing",
                             {{"AUDIT", auditLine()}}));
-  const Lines log = readLines(dir / "log.txt");
+  const Lines log = readLines(dir / "run.out");
   ASSERT_FALSE(log.empty());
   EXPECT_EQ(log.back(), " Error computing the Jacobian.");
-  EXPECT_NE(readFile(dir / "err.txt").find("orva: modrake stopped before the end of its run:  "
+  EXPECT_NE(yield.err.find("orva: modrake stopped before the end of its run:  "
                                            "Error computing the Jacobian."),
             std::string::npos);
   fs::remove_all(dir);
@@ -113,7 +96,7 @@ TEST(PostSolutionListings, EverySolvedModelAccountsForItsNumbers) {
   }
   for (const std::string& model : models) {
     SCOPED_TRACE(model);
-    const Lines listing = orvaListing(dir, model, "--solve --requests all.mrk");
+    const Lines listing = orvaListing(dir, model, {"--solve", "--requests", "all.mrk"});
     ASSERT_FALSE(listing.empty());
     int budgets = 0;
     for (const std::string& line : listing) {

@@ -54,28 +54,17 @@ TEST(ControlRecords, LogicalStandsInColumn31) {
   EXPECT_EQ(what, "column 31 holds character code 0x09 where T or F belongs");
 }
 
+// The number stands in columns 31 to 35: blanks inside are ignored and a blank field is 0; a
+// digit written one column too early, in column 30, is lost, and columns behind 35 are not read.
 TEST(ControlRecords, IntegerStandsInColumns31To35) {
-  EXPECT_EQ(integerOf(rec("var requests", " 1000")), 1000);
-  EXPECT_EQ(integerOf(rec("", "1000 ")), 1000);
-  EXPECT_EQ(integerOf(rec("", "99999")), 99999);
-  EXPECT_EQ(integerOf(rec("", "-9999")), -9999);
-  EXPECT_EQ(integerOf(rec("", "   -1")), -1);
-  EXPECT_EQ(integerOf(rec("", "+  12")), 12);
-}
-
-TEST(ControlRecords, IntegerBlanksInsideAreIgnoredBlankFieldIsZero) {
-  EXPECT_EQ(integerOf(rec("", "1 0 0")), 100);
-  EXPECT_EQ(integerOf(rec("", "- 1 2")), -12);
-  EXPECT_EQ(integerOf(rec("", "     ")), 0);
-  EXPECT_EQ(integerOf(rec("a label", "")), 0);
-  EXPECT_EQ(integerOf(""), 0);
-}
-
-TEST(ControlRecords, IntegerColumn30AndColumnsBehind35AreNotRead) {
-  // Written one column too early: the digit in column 30 is lost.
-  EXPECT_EQ(integerOf(std::string(29, ' ') + "12345"), 2345);
-  EXPECT_EQ(integerOf(rec("", "    1") + "99999 anything"), 1);
-  EXPECT_EQ(integerOf(rec("", "12") + "   x"), 12);
+  const std::pair<std::string, int32_t> cases[] = {
+      {rec("var requests", " 1000"), 1000}, {rec("", "1000 "), 1000}, {rec("", "99999"), 99999},
+      {rec("", "-9999"), -9999},  {rec("", "   -1"), -1},   {rec("", "+  12"), 12},
+      {rec("", "1 0 0"), 100},    {rec("", "- 1 2"), -12}, {rec("", "     "), 0},
+      {rec("a label", ""), 0},    {"", 0},                 {std::string(29, ' ') + "12345", 2345},
+      {rec("", "    1") + "99999 anything", 1},            {rec("", "12") + "   x", 12},
+  };
+  for (const auto& [record, value] : cases) EXPECT_EQ(integerOf(record), value) << record;
 }
 
 TEST(ControlRecords, IntegerFaultsNameTheColumn) {

@@ -49,30 +49,22 @@ TEST_F(RunServices, LookupFindsEachKeywordPlainAndInItsDollarForm) {
   }
 }
 
-TEST_F(RunServices, LookupIgnoresWhatStandsBehindAKeyword) {
-  EXPECT_EQ(look("BLOCKPICTURE"), 4);
-  EXPECT_EQ(look("BLOCKLISTS"), 6);
-  EXPECT_EQ(look("$POSTOPTIMAL"), 2);
-  EXPECT_EQ(look("ANALYSIS(X)"), 5);
-  // Only the first 31 characters count: a keyword there still matches.
-  EXPECT_EQ(look("NONOPT" + std::string(40, 'Z')), 8);
-}
-
-TEST_F(RunServices, LookupRefusesWhatDoesNotBeginWithAKeyword) {
-  EXPECT_EQ(look("BLOCK"), 0);
-  EXPECT_EQ(look("XBLOCKPIC"), 0);
-  EXPECT_EQ(look("blockpic"), 0);  // lines are upper-cased before the lookup, not by it
-  EXPECT_EQ(look(""), 0);
-  EXPECT_EQ(look("$$ANALYSIS"), 0);
-  EXPECT_EQ(look("PW"), 0);
-  EXPECT_EQ(look("THEEN"), 0);
-  EXPECT_EQ(look(std::string(31, ' ') + "ANALYSIS"), 0);
-}
-
-TEST_F(RunServices, LookupOfThEEndGivesMinusOne) {
-  EXPECT_EQ(look("THEEND"), -1);
-  EXPECT_EQ(look("THEENDOFIT"), -1);
-  EXPECT_EQ(look("THEEND", 2), -1);
+// What stands behind a keyword is ignored, and only the first 31 characters count; what does
+// not begin with a keyword gives 0 (lines are upper-cased before the lookup, not by it);
+// THEEND gives -1 in both modes.
+TEST_F(RunServices, LookupOfLinesAroundTheKeywords) {
+  const struct {
+    std::string text;
+    int32_t mode, index;
+  } cases[] = {
+      {"BLOCKPICTURE", 1, 4}, {"BLOCKLISTS", 1, 6},       {"$POSTOPTIMAL", 1, 2},
+      {"ANALYSIS(X)", 1, 5},  {"NONOPT" + std::string(40, 'Z'), 1, 8},
+      {"BLOCK", 1, 0},        {"XBLOCKPIC", 1, 0},        {"blockpic", 1, 0},
+      {"", 1, 0},             {"$$ANALYSIS", 1, 0},       {"PW", 1, 0},
+      {"THEEN", 1, 0},        {std::string(31, ' ') + "ANALYSIS", 1, 0},
+      {"THEEND", 1, -1},      {"THEENDOFIT", 1, -1},      {"THEEND", 2, -1},
+  };
+  for (const auto& c : cases) EXPECT_EQ(look(c.text, c.mode), c.index) << c.text << " " << c.mode;
 }
 
 TEST_F(RunServices, PageWidthLinesSetTheWidthInBothModes) {
@@ -90,30 +82,23 @@ TEST_F(RunServices, PageWidthLinesSetTheWidthInBothModes) {
   EXPECT_EQ(runState.pageWidthRequest, 75);
 }
 
+// Three characters from the right: the fourth digit is not read; no lower limit here; blanks
+// right of the last digit do not count, a blank left of a digit is a 0, other characters are
+// skipped.
 TEST_F(RunServices, PageWidthTakesThreeCharactersFromTheRight) {
-  EXPECT_EQ(width("PW=120"), 120);
-  EXPECT_EQ(width("$PW=120"), 120);
-  EXPECT_EQ(width("PW=1000"), 100);  // the fourth digit is not read
-  EXPECT_EQ(width("PW=20"), 20);     // no lower limit here
-  EXPECT_EQ(width("PW=999"), 999);
-  EXPECT_EQ(width("PW=7  "), 7);     // blanks right of the last digit do not count
-  EXPECT_EQ(width("PW=  7"), 7);
-  EXPECT_EQ(width("PW= 8"), 8);
-  EXPECT_EQ(width("PW=8 5"), 805);   // a blank left of a digit is a 0
-  EXPECT_EQ(width("PW=1X2"), 12);    // other characters are skipped
-  EXPECT_EQ(width("PW=-50"), 50);
-  EXPECT_EQ(width("PW=12" + std::string(20, '9')), 129);
+  const std::pair<std::string, int32_t> cases[] = {
+      {"PW=120", 120}, {"$PW=120", 120}, {"PW=1000", 100}, {"PW=20", 20},   {"PW=999", 999},
+      {"PW=7  ", 7},   {"PW=  7", 7},    {"PW= 8", 8},     {"PW=8 5", 805}, {"PW=1X2", 12},
+      {"PW=-50", 50},  {"PW=12" + std::string(20, '9'), 129},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(width(text), expected) << text;
 }
 
 TEST_F(RunServices, PageWidthWithoutDigitsIsZero) {
-  runState.pageWidthRequest = 77;
-  EXPECT_EQ(width("PW="), 0);
-  runState.pageWidthRequest = 77;
-  EXPECT_EQ(width("PW=ABC"), 0);
-  runState.pageWidthRequest = 77;
-  EXPECT_EQ(width("PW=   "), 0);
-  runState.pageWidthRequest = 77;
-  EXPECT_EQ(width("PW"), 0);
+  for (const char* text : {"PW=", "PW=ABC", "PW=   ", "PW"}) {
+    runState.pageWidthRequest = 77;
+    EXPECT_EQ(width(text), 0) << text;
+  }
 }
 
 TEST_F(RunServices, UpperCaseTouchesLettersWithinTheLengthOnly) {

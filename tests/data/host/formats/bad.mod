@@ -1,0 +1,4 @@
+var x >= 0;
+
+minimize z: x +;
+end;

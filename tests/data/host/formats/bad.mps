@@ -1,0 +1,5 @@
+NAME b
+ROWS
+ N obj
+ Q r
+ENDATA

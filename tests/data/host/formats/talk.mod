@@ -1,0 +1,4 @@
+var x;
+s.t. c: x >= 1;
+display 'hello';
+end;

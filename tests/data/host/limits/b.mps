@@ -1,0 +1,8 @@
+NAME T
+ROWS
+ N obj
+COLUMNS
+ x obj 1
+BOUNDS
+ UP BND x -1e300
+ENDATA

@@ -1,0 +1,10 @@
+NAME T
+ROWS
+ N obj
+ L c1
+COLUMNS
+ x obj 1 c1 1
+BOUNDS
+ BV BND x
+ BV BND x
+ENDATA
