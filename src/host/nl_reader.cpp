@@ -67,7 +67,7 @@ class NlText {
       std::size_t end = text_.find('\n', at_);
       if (end == std::string::npos) end = text_.size();
       std::string_view s(text_.data() + at_, end - at_);
-      at_ = end + 1;
+      at_ = end < text_.size() ? end + 1 : end;  // a last line without its break ends the text
       ++number_;
       if (const auto hash = s.find('#'); hash != std::string_view::npos) s = s.substr(0, hash);
       while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
@@ -140,7 +140,7 @@ class NlText {
   bool nextBinary(Line& line, Shape shape) {
     const std::size_t start = at_;
     line_.clear();
-    if (at_ == text_.size()) return false;
+    if (at_ >= text_.size()) return false;
     bool ok = true;
     if (shape == Shape::Segment || shape == Shape::Term || shape == Shape::Bound)
       line_ += text_[at_++];
