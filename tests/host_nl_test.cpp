@@ -128,12 +128,13 @@ TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
   } cases[] = {
       {497, std::string("\x09\0\0\0", 4), "496: variable v9 is neither a variable nor defined before"},
       {582, "Z", "582: \"Z\" begins no segment of a .nl file"},
+      {582, "\n", "582: \"\\n\" begins no segment of a .nl file"},  // shown, never written raw
       {612, "7", "612: expected a bound code from 0 to 4 and its values"},
       {697, "", "696: expected J, a constraint number and a count (the file ends there)"},
       {735, "", "729: expected an index below 3 and a number (the file ends there)"},
       {729, "", "729: the file ends before the end of the segment that begins at byte 696"},
       {880, "", "864: expected S, a suffix kind, a count and a name (the file ends there)"},
-      {873, std::string("\\xff\\0\\0\\0", 4),
+      {873, std::string("\xff\0\0\0", 4),
        "864: expected S, a suffix kind, a count and a name (the file ends there)"},
   };
   // Cut anywhere, the file is refused, but for the cut before the suffix segment, which leaves

@@ -380,14 +380,14 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
     std::vector<double> v;
     if (kind == 'o' || kind == 'v' || kind == 'n' || kind == 'l' || kind == 's') {
       if (!splitNumbers(l.text.substr(1), v) || v.size() != 1)
-        return fail(l, "\"" + std::string(l.text) + "\" is not a term of an expression");
+        return fail(l, "\"" + hostShownName(l.text) + "\" is not a term of an expression");
     }
     switch (kind) {
       case 'o': {
         if (!wholeNumber(v[0])) return fail(l, "an operator number must be whole");
         int arity = operatorArity(static_cast<long>(v[0]));
         if (arity == 0)
-          return fail(l, "operator " + std::string(l.text) + " is not read by this host");
+          return fail(l, "operator " + hostShownName(l.text) + " is not read by this host");
         if (arity < 0) {
           Line count;
           std::vector<long> c;
@@ -418,7 +418,7 @@ bool NlReader::expression(std::vector<int32_t>& vars, bool& single, double& cons
         --open;
         break;
       default:
-        return fail(l, "\"" + std::string(l.text) + "\" is not a term of an expression" +
+        return fail(l, "\"" + hostShownName(l.text) + "\" is not a term of an expression" +
                            (kind == 'f' || kind == 'h' ? " read by this host" : ""));
     }
   }
@@ -588,7 +588,7 @@ bool NlReader::read() {
       case 'L':
         return fail(l, "logical constraints are not read by this host");
       default:
-        return fail(l, "\"" + std::string(l.text.substr(0, 20)) + "\" begins no segment of a .nl file");
+        return fail(l, "\"" + hostShownName(l.text.substr(0, 20)) + "\" begins no segment of a .nl file");
     }
   }
   if (nCon_ > 0 && conCode_.empty()) {
