@@ -14,16 +14,23 @@ bool isQuote(char c) { return c == '"' || c == '\''; }
 
 // A model name as requests are compared with it: leading blanks and apostrophes go, control
 // characters count as blanks, letters become capitals; NAME_LEN characters, blank-padded.
-void normalizeName(std::string_view text, char (&out)[kName]) {
+// A name's character as names are compared: control characters blank, letters upper case.
+char normalizedChar(char c) {
+  if (static_cast<unsigned char>(c) < 21) return ' ';
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// Where a name's text begins: past leading blanks and quotes.
+size_t nameBegin(std::string_view text) {
   size_t p = 0;
   while (p < text.size() && (text[p] == ' ' || text[p] == '\'')) ++p;
+  return p;
+}
+
+void normalizeName(std::string_view text, char (&out)[kName]) {
+  size_t p = nameBegin(text);
   int32_t q = 0;
-  for (; p < text.size() && q < kName; ++p, ++q) {
-    char c = text[p];
-    if (static_cast<unsigned char>(c) < 21) c = ' ';
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    out[q] = c;
-  }
+  for (; p < text.size() && q < kName; ++p, ++q) out[q] = normalizedChar(text[p]);
   std::fill(out + q, out + kName, ' ');
 }
 
@@ -134,12 +141,8 @@ bool matchPattern(std::string_view pattern, std::string_view text) {
   // told without normalizing the whole name.
   const char lead0 = pattern.empty() ? ' ' : pattern[0];
   if (lead0 != ' ' && lead0 != '*' && lead0 != '?' && !isQuote(lead0)) {
-    size_t p = 0;
-    while (p < text.size() && (text[p] == ' ' || text[p] == '\'')) ++p;
-    char first = p < text.size() ? text[p] : ' ';
-    if (static_cast<unsigned char>(first) < 21) first = ' ';
-    if (first >= 'a' && first <= 'z') first = static_cast<char>(first - 'a' + 'A');
-    if (first != lead0) return false;
+    const size_t p = nameBegin(text);
+    if ((p < text.size() ? normalizedChar(text[p]) : ' ') != lead0) return false;
   }
   char name[kName];
   normalizeName(text, name);
