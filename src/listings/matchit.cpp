@@ -237,7 +237,8 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   for (int32_t j = 1; j <= n; ++j) {
     ItemCounts c;
     c.minimum = run.plusInf;
-    const ItemName& item = columnName(run, run.dictionary, j, names);
+    // Without variable requests every column is counted and none listed: none is named.
+    const ItemName& item = vars.count > 0 ? columnName(run, run.dictionary, j, names) : names.item;
     r.colScale[j] = run.useScale > 0 ? ovmGetVarScaleOne(run.model, j) : 1.0;
     const ItemMatch match = matchVarRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &memo);
     const bool selected = match.selected == 1;
@@ -265,7 +266,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   // sum over the row's entries, and the smallest and largest size do not depend on their order.
   report.lastSymbol = "$nothing$";
   headWritten = false;
-  if (entryCount > 0) {
+  if (entryCount > 0 && equs.count > 0) {  // without equation requests no row is selected
     SymbolMemo rowMemo, rowTallyMemo;
     for (int32_t i = 1; i <= m; ++i) {
       const ItemName& item = rowName(run.dictionary, i, names);

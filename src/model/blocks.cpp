@@ -222,6 +222,18 @@ void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::
   fillParts(dictionary, u, labels);
 }
 
+int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTable labels,
+                       int32_t& dim) {
+  const ItemUels u = column ? colUels(dictionary, index) : rowUels(dictionary, index);
+  dim = u.dim;
+  fillParts(dictionary, u, labels);
+  return u.symbol;
+}
+
+void symbolNameOf(ovdHandle dictionary, int32_t symbol, std::string& text) {
+  symbolName(dictionary, symbol, text);
+}
+
 int32_t varItemSymbol(RunContext& run, ovdHandle dictionary, int32_t col, int32_t& isNewSymbol) {
   const int32_t symbol = colUels(dictionary, col).symbol;
   noteSymbol(run, symbol, isNewSymbol);

@@ -60,6 +60,14 @@ void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::
                        int32_t& symbolLength, TextTable labels, int32_t& dim,
                        int32_t& isNewSymbol);
 
+// Symbol number of row or column `index` (1-based), with `dim` and its labels as form
+// LABEL_PARTS gives them, but not the symbol's name: a walk over many items names a symbol
+// once, with symbolNameOf, when the number changes.
+int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTable labels,
+                       int32_t& dim);
+// A symbol's name as the label forms give it: its first NAME_LEN characters, no trailing blanks.
+void symbolNameOf(ovdHandle dictionary, int32_t symbol, std::string& text);
+
 // Symbol number of column `col`, with isNewSymbol and lastColSymbol as varItemLabel, for a
 // walk that needs the symbol change of every column but the text of few.
 int32_t varItemSymbol(RunContext& run, ovdHandle dictionary, int32_t col, int32_t& isNewSymbol);

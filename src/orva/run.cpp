@@ -484,6 +484,7 @@ int orvaMain(const std::vector<std::string>& args) {
       return fail(listingPath + ": cannot write the listing: " + std::strerror(errno) +
                   "; the status file stays in " + scratch.dir);
     }
+    std::setvbuf(out, nullptr, _IOFBF, std::size_t{1} << 18);
   }
   const int handedSolve = options.solutionExpected ? solution.solveStat : 0;
   const int handedModel = options.solutionExpected ? solution.modelStat : 0;

@@ -282,6 +282,7 @@ void showItemHead(Engine& e, bool variable, int32_t col, int32_t row) {
   } else {
     e.itemShown = 1;
     int32_t length = 0, dim = 0, isNew = 0;
+    symbolNameOf(rs.dictionary, varItemSymbol(rs, rs.dictionary, col, isNew), e.currentSymbol);
     varItemLabel(rs, rs.dictionary, col, e.label, length, dim, isNew, MAX_LINE);
   }
   const bool list = e.mode->entries == EntryForm::List;
@@ -344,8 +345,6 @@ void columnPass(Engine& e) {
   const SolutionRegions& s = r.solution;
   const bool lists = e.mode->adviceLists > 0;
   for (int32_t j = 1; j <= rs.colCount; ++j) {
-    int32_t length = 0, dim = 0, isNew = 0;
-    varItemLabelParts(rs, rs.dictionary, j, e.currentSymbol, length, e.partLabels, dim, isNew);
     bool hidden = s.colStat[j] < 1;
     e.columnInScope = true;
     if (postopt(e)) {
@@ -518,7 +517,6 @@ void runPostSolutionEngine(const DisplayRegions& r, RunContext& run) {
   Engine e{r, run};
   e.procIndex = run.procIndex;
   e.lastSymbol.assign(static_cast<size_t>(NAME_LEN), ' ');
-  e.partLabels = TextTable{e.partLabelText.data(), NAME_LEN, MAX_SYMBOL_DIM};
   readSection(e);
   setUp(e, run.modelStatus);
   loadRows(e);

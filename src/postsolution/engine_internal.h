@@ -75,8 +75,6 @@ struct Engine {
   std::array<bool, 8> listHeadWritten{};
   // Buffers reused for every label, so that no entry allocates.
   std::string label;
-  std::array<char, NAME_LEN * MAX_SYMBOL_DIM> partLabelText{};
-  TextTable partLabels;
   std::vector<std::string> lines, folded;
   size_t lineCount = 0;
 

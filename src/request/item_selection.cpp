@@ -55,31 +55,86 @@ bool matchQuoted(const char* pattern, int32_t patternLength, const char* name) {
   return pn == tn && std::equal(p, p + pn, t);
 }
 
-// Whether one item's labels meet the element patterns of request k.
-bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item) {
-  const int32_t n = std::min(side.dim[k], item.dim);
-  for (int32_t p = 1; p <= n; ++p) {
-    if (!matchPattern(side.label(k, p), item.labels.view(p))) return false;
+// A plain element pattern meets one name only: it begins with a character of its own and holds
+// no blank, "*" or "?" and no leading quote. Such a pattern meets a name exactly when it equals
+// the name's compared form below.
+bool isPlainPattern(std::string_view pattern) {
+  const int32_t n = usedLength(pattern.data(), static_cast<int32_t>(pattern.size()));
+  if (n == 0 || isQuote(pattern[0])) return false;
+  for (int32_t q = 0; q < n; ++q) {
+    if (pattern[q] == ' ' || pattern[q] == '*' || pattern[q] == '?') return false;
   }
   return true;
 }
 
-// The memo's marks for the item's symbol, one per request: refreshed when the symbol changes,
-// so that a walk over the items of one symbol matches its patterns once.
-const uint8_t* symbolMarks(const SelectionSide& side, int32_t count, const ItemName& item,
-                           SymbolMemo& memo) {
-  const std::string_view s = item.symbol.substr(0, kName);
-  const int32_t len = static_cast<int32_t>(s.size());
-  if (memo.length != len || std::memcmp(memo.symbol, s.data(), s.size()) != 0 ||
-      static_cast<int32_t>(memo.met.size()) < count) {
-    memo.met.assign(static_cast<size_t>(std::max(count, 0)), 0);
-    for (int32_t r = 1; r <= count; ++r) {
-      memo.met[static_cast<size_t>(r - 1)] = matchPattern(side.symbol.view(r), s) ? 1 : 0;
-    }
-    std::memcpy(memo.symbol, s.data(), s.size());
-    memo.length = len;
+// The compared form of a name: normalized, and blank from its first blank on, as a pattern
+// without blanks reads it (the name "AB X" is met by the pattern "AB").
+void comparedForm(std::string_view text, char (&out)[kName]) {
+  normalizeName(text, out);
+  char* blank = std::find(out, out + kName, ' ');
+  std::fill(blank, out + kName, ' ');
+}
+
+// One item's labels in compared form, made at the first plain pattern that needs them.
+struct ItemForms {
+  char form[MAX_SYMBOL_DIM][kName];
+  int32_t made = 0;
+  const char* at(const ItemName& item, int32_t p) {
+    for (; made < p; ++made) comparedForm(item.labels.view(made + 1), form[made]);
+    return form[p - 1];
   }
-  return memo.met.data();
+};
+
+// Whether one item's labels meet the element patterns of request k.
+bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item,
+                const SymbolMemo& memo, ItemForms& forms) {
+  const int32_t n = std::min(side.dim[k], item.dim);
+  const uint8_t* plain = memo.plain.data() + static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM;
+  for (int32_t p = 1; p <= n; ++p) {
+    const std::string_view pattern = side.label(k, p);
+    if (plain[p - 1] != 0 && pattern.size() == static_cast<size_t>(kName)) {
+      if (std::memcmp(pattern.data(), forms.at(item, p), kName) != 0) return false;
+    } else if (!matchPattern(pattern, item.labels.view(p))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The requests that meet the item's symbol, from the memo or matched now, so that a
+// walk over the items of one symbol matches its patterns once; the plain patterns of the list,
+// marked at the first call.
+const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t count,
+                                           const ItemName& item, SymbolMemo& memo) {
+  const auto slots = static_cast<size_t>(std::max(count, 0)) * MAX_SYMBOL_DIM;
+  const bool fresh = memo.plain.size() != slots;
+  if (fresh) {
+    memo.plain.assign(slots, 0);
+    for (int32_t k = 1; k <= count; ++k) {
+      for (int32_t p = 1; p <= std::min(side.dim[k], MAX_SYMBOL_DIM); ++p) {
+        memo.plain[static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM + static_cast<size_t>(p - 1)] =
+            isPlainPattern(side.label(k, p)) ? 1 : 0;
+      }
+    }
+  }
+  const std::string_view s = item.symbol.substr(0, kName);
+  const auto len = static_cast<int32_t>(s.size());
+  if (!fresh) {
+    for (const SymbolMemo::Entry& e : memo.entries) {
+      if (e.length == len && std::memcmp(e.symbol, s.data(), s.size()) == 0) return e.met;
+    }
+  } else {
+    for (SymbolMemo::Entry& e : memo.entries) e.length = -1;
+  }
+  SymbolMemo::Entry& e = memo.entries[memo.next];
+  memo.next = (memo.next + 1) % SymbolMemo::kSymbols;
+  e.met.clear();
+  for (int32_t r = 1; r <= count; ++r) {
+    if (matchPattern(side.symbol.view(r), s)) e.met.push_back(r);
+  }
+  std::memcpy(e.symbol, s.data(), s.size());
+  e.length = len;
+  return e.met;
 }
 
 ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t count,
@@ -88,13 +143,15 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
   int32_t first = 1, last = count;
   if (matchScope == SCOPE_ONE) first = last = requestIndex;
   if (first < 1 || last > count) return m;
+  SymbolMemo own;  // a caller without a memo pays for the marks on every call
+  SymbolMemo& marks = memo != nullptr ? *memo : own;
+  const std::vector<int32_t>& met = symbolRequests(side, count, item, marks);
   const bool stopAtFirst = matchScope == SCOPE_FIRST;
-  const uint8_t* marks = memo != nullptr ? symbolMarks(side, count, item, *memo) : nullptr;
-  for (int32_t k = first; k <= last; ++k) {
-    const bool symbolMet = marks != nullptr ? marks[k - 1] != 0
-                                            : matchPattern(side.symbol.view(k), item.symbol);
-    if (!symbolMet) continue;
-    if (item.dim != 0 && !labelsMeet(side, k, item)) continue;
+  ItemForms forms;
+  for (auto it = std::lower_bound(met.begin(), met.end(), first);
+       it != met.end() && *it <= last; ++it) {
+    const int32_t k = *it;
+    if (item.dim != 0 && !labelsMeet(side, k, item, marks, forms)) continue;
     side.selSpec(k, SPEC_FOUND) = 1;
     if (side.selSpec(k, SPEC_DIRECT) > 0) m.directCode = side.selSpec(k, SPEC_DIRECT);
     if (side.selSpec(k, SPEC_CROSS) > 0) m.crossCode = side.selSpec(k, SPEC_CROSS);
@@ -192,21 +249,32 @@ ItemMatch matchEquRequests(const ItemName& item, const RequestLists& lists, int3
   return matchList(item, lists.row, lists.equCount, matchScope, requestIndex, memo);
 }
 
-const ItemName& columnName(RunContext& run, ovdHandle dictionary, int32_t col,
-                           ItemNameBuffer& buffer) {
+namespace {
+
+const ItemName& itemName(ovdHandle dictionary, bool column, int32_t index,
+                         ItemNameBuffer& buffer) {
   const TextTable labels{buffer.labelText, NAME_LEN, MAX_SYMBOL_DIM};
-  int32_t symbolLength = 0, dim = 0, isNewSymbol = 0;
-  varItemLabelParts(run, dictionary, col, buffer.symbol, symbolLength, labels, dim, isNewSymbol);
+  int32_t dim = 0;
+  const int32_t symbol = itemLabelParts(dictionary, column, index, labels, dim);
+  if (symbol != buffer.symbolNumber) {
+    symbolNameOf(dictionary, symbol, buffer.symbol);
+    buffer.symbolNumber = symbol;
+  }
   buffer.item = {buffer.symbol, labels, std::clamp(dim, 0, MAX_SYMBOL_DIM)};
   return buffer.item;
 }
 
+}  // namespace
+
+const ItemName& columnName(RunContext& run, ovdHandle dictionary, int32_t col,
+                           ItemNameBuffer& buffer) {
+  const ItemName& item = itemName(dictionary, true, col, buffer);
+  run.lastColSymbol = buffer.symbolNumber;
+  return item;
+}
+
 const ItemName& rowName(ovdHandle dictionary, int32_t row, ItemNameBuffer& buffer) {
-  const TextTable labels{buffer.labelText, NAME_LEN, MAX_SYMBOL_DIM};
-  int32_t textLength = 0, dim = 0;
-  equItemLabel(dictionary, row, buffer.symbol, textLength, LABEL_PARTS, labels, dim, MAX_LINE);
-  buffer.item = {buffer.symbol, labels, std::clamp(dim, 0, MAX_SYMBOL_DIM)};
-  return buffer.item;
+  return itemName(dictionary, false, row, buffer);
 }
 
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,

@@ -4,6 +4,7 @@
 // tells the user which requests met nothing.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -37,12 +38,21 @@ inline constexpr int32_t SCOPE_ALL = 1;    // all, every request met is marked
 inline constexpr int32_t SCOPE_FIRST = 2;  // all, up to the first match
 inline constexpr int32_t SCOPE_ONE = 3;    // request `requestIndex` only
 
-// The symbol patterns of one list tested against one symbol name, kept while the items of a
-// walk keep that symbol: a symbol is matched once, not once per item.
+// What a walk over many items keeps of one list: which requests' symbol patterns meet the
+// symbol of the items at hand (a symbol is matched once, not once per item), and which element
+// patterns are plain names, met by one name only, so that an item's label is compared with them
+// by its normal form, made once per item, instead of by matching the pattern.
+// A few symbols are kept, for walks whose symbols take turns (the halves of ranged rows).
 struct SymbolMemo {
-  std::vector<uint8_t> met;  // per request, 1 when its symbol pattern meets `symbol`
-  char symbol[NAME_LEN] = {};
-  int32_t length = -1;  // -1: nothing tested yet
+  struct Entry {
+    std::vector<int32_t> met;  // the requests whose symbol pattern meets `symbol`, ascending
+    char symbol[NAME_LEN] = {};
+    int32_t length = -1;  // -1: no symbol yet
+  };
+  static constexpr size_t kSymbols = 8;
+  std::array<Entry, kSymbols> entries;
+  size_t next = 0;             // the entry that the next new symbol takes
+  std::vector<uint8_t> plain;  // per request and position, 1 for a plain element pattern
 };
 
 // Tests an item against the variable list (scope, requestIndex as above); marks `found` of
@@ -74,9 +84,11 @@ struct SelectionContext {
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,
                      Vec1<int32_t> rowSelected);
 
-// Item names from the dictionary, into a reusable buffer of labels.
+// Item names from the dictionary, into a reusable buffer of labels; the symbol's name is
+// looked up again only when the symbol changes.
 struct ItemNameBuffer {
   std::string symbol;
+  int32_t symbolNumber = -1;
   char labelText[LABELS_LEN] = {};
   ItemName item;
 };

@@ -22,6 +22,7 @@ constexpr const char* kSystemName = "MODRAKE-B 1.3";
 constexpr size_t kAuditLen = 75;
 constexpr size_t kArgumentLen = 256;
 constexpr size_t kHostTextLen = 255;
+constexpr size_t kStatusBuffer = size_t{1} << 18;
 
 // The banner, each line 37 characters with "#" in the fourth and the last column.
 constexpr std::array<const char*, 12> kBanner = {
@@ -184,6 +185,8 @@ void runMain(int argc, char** argv) {
     writeFree(runState.logChannel, {"*** Could not create status file."});
     stopRun(runState, 0);
   }
+  // The status file of a large model runs to hundreds of megabytes: written in large blocks.
+  std::setvbuf(runState.statusChannel.file, nullptr, _IOFBF, kStatusBuffer);
 
   // 7. The model.
   if (ovmLoadDataLegacy(runState.model, runState.hostMessage) != 0) {
