@@ -9,85 +9,19 @@
 #include <cstring>
 #include <memory>
 
+#include "host/name_table.h"
 #include "host/names.h"
 #include "host/readers_internal.h"
 
 namespace {
-
-// Names of one kind, kept once in an arena and found by an open-addressing hash table. A slot
-// holds the upper bits of the name's hash, its index and length, and its first kInline bytes,
-// so that finding a name of up to kInline bytes, as most model names are, reads one slot and
-// nothing else; the rest of a longer name is compared in the arena.
-struct NameTable {
-  static constexpr std::size_t kInline = 20;
-  struct alignas(32) Slot {
-    uint32_t tag = 0;
-    int32_t index = -1;  // -1: an empty slot
-    uint32_t length = 0;
-    char text[kInline] = {};
-  };
-  std::string arena;                   // the names' texts, one after the other
-  std::vector<std::size_t> start{0};   // arena offset of each name, and one past the last
-  std::vector<Slot> slots;
-
-  int32_t size() const { return static_cast<int32_t>(start.size() - 1); }
-  std::string_view name(int32_t k) const {
-    const auto at = static_cast<std::size_t>(k);
-    return std::string_view(arena).substr(start[at], start[at + 1] - start[at]);
-  }
-  static uint64_t hash(std::string_view s) {
-    uint64_t h = 1469598103934665603ull;
-    for (char c : s) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-    // The product carries a byte's change only upwards: mix the high bits into the low ones
-    // that pick the slot.
-    h ^= h >> 32;
-    h *= 0xd6e8feb86659fd93ull;
-    return h ^ (h >> 32);
-  }
-  bool holds(const Slot& slot, uint32_t tag, std::string_view s) const {
-    if (slot.tag != tag || slot.length != s.size()) return false;
-    if (std::memcmp(slot.text, s.data(), std::min(s.size(), kInline)) != 0) return false;
-    return s.size() <= kInline || name(slot.index) == s;
-  }
-  // The slot where `s`, of hash `h`, is or would go.
-  std::size_t slotOf(std::string_view s, uint64_t h) const {
-    const std::size_t mask = slots.size() - 1;
-    const auto tag = static_cast<uint32_t>(h >> 32);
-    std::size_t at = static_cast<std::size_t>(h) & mask;
-    while (slots[at].index >= 0 && !holds(slots[at], tag, s)) at = (at + 1) & mask;
-    return at;
-  }
-  int32_t find(std::string_view s) const {
-    if (slots.empty()) return -1;
-    return slots[slotOf(s, hash(s))].index;
-  }
-  // Adds `s`, which must not be there yet; returns its index.
-  int32_t add(std::string_view s) {
-    if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
-      slots.assign(std::max<std::size_t>(64, slots.size() * 2), Slot{});
-      for (int32_t k = 0; k < size(); ++k) place(name(k), k);
-    }
-    const int32_t k = size();
-    arena.append(s);
-    start.push_back(arena.size());
-    place(s, k);
-    return k;
-  }
-  void place(std::string_view s, int32_t k) {
-    const uint64_t h = hash(s);
-    Slot& slot = slots[slotOf(s, h)];
-    slot.tag = static_cast<uint32_t>(h >> 32);
-    slot.index = k;
-    slot.length = static_cast<uint32_t>(s.size());
-    std::memcpy(slot.text, s.data(), std::min(s.size(), kInline));
-  }
-};
 
 enum class Section { None, Name, ObjSense, Rows, Columns, Rhs, Ranges, Bounds, End };
 
 constexpr int32_t kNoRow = -1;
 // No line of an MPS file comes near this; a file without line ends is refused early.
 constexpr std::size_t kLongestLine = std::size_t{1} << 16;
+// Entries reserved at most before reading: a column index is a 32-bit number.
+constexpr std::size_t kMaxReserve = std::size_t{1} << 30;
 
 struct MpsReader {
   const std::string& path;
@@ -98,7 +32,7 @@ struct MpsReader {
   Section section = Section::None;
   bool maximize = false;
 
-  NameTable rows;
+  HostNameTable rows;
   std::vector<char> rowKind;      // 'N', 'L', 'G', 'E'
   std::vector<double> rowRhs;
   std::vector<double> rowRange;
@@ -107,7 +41,7 @@ struct MpsReader {
   double objRhs = 0.0;
   std::string rhsSet, rangeSet, boundSet;
 
-  NameTable cols;
+  HostNameTable cols;
   bool inInteger = false;
   std::vector<int32_t> rowLastCol;  // the column that last gave an entry in the row
   std::vector<char> colMarked;      // integer by a marker
@@ -240,8 +174,9 @@ bool MpsReader::rowsLine(const std::vector<std::string_view>& f) {
     return fail("a row needs its type (N, L, G or E) and its name");
   if (f.size() > 2) return fail("text after the row name " + quoted(f[1]));
   if (const std::string fault = hostNameFault(f[1]); !fault.empty()) return fail(fault);
-  if (rows.find(f[1]) >= 0) return fail("row " + quoted(f[1]) + " given twice");
-  const int32_t k = rows.add(f[1]);
+  const int32_t before = rows.size();
+  const int32_t k = rows.insert(f[1]);
+  if (k < before) return fail("row " + quoted(f[1]) + " given twice");
   rowKind.push_back(f[0][0]);
   if (f[0][0] == 'N' && objRow == kNoRow) objRow = k;
   return true;
@@ -265,8 +200,9 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
   int32_t c = cols.size() - 1;
   if (c < 0 || cols.name(c) != col) {
     if (const std::string fault = hostNameFault(col); !fault.empty()) return fail(fault);
-    if (cols.find(col) >= 0) return fail("column " + quoted(col) + " given in two places");
-    c = cols.add(col);
+    const int32_t before = cols.size();
+    c = cols.insert(col);
+    if (c < before) return fail("column " + quoted(col) + " given in two places");
     colMarked.push_back(inInteger ? 1 : 0);
     inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
   }
@@ -607,6 +543,13 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   const long fileSize = std::ftell(file.get());
   std::fseek(file.get(), 0, SEEK_SET);
   MpsReader reader(path, fixed, inst);
+  // Room for the entries that a file of this size can hold at about ten bytes an entry, so that
+  // the two largest arrays are not copied as they grow; pages never written cost nothing.
+  if (fileSize > 0) {
+    const auto entries = std::min<std::size_t>(static_cast<std::size_t>(fileSize) / 10, kMaxReserve);
+    inst.entryRow.reserve(entries);
+    inst.entryValue.reserve(entries);
+  }
   // Lines are cut from blocks of the file; a line that runs over a block's end is carried.
   constexpr std::size_t kBlock = std::size_t{1} << 20;
   std::vector<char> buffer(kBlock);

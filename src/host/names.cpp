@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <unordered_map>
-#include <unordered_set>
+
+#include "host/name_table.h"
 
 namespace {
 
@@ -258,11 +259,16 @@ std::string hostItemKey(const HostName& n) {
 
 std::vector<std::pair<int32_t, HostName>> hostNameChanges(
     int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made) {
-  std::unordered_set<std::string> taken;
+  HostNameTable taken;
   taken.reserve(static_cast<std::size_t>(count));
+  // True when `key` was not taken yet; it is taken now.
+  const auto take = [&taken](const std::string& key) {
+    const int32_t before = taken.size();
+    return taken.insert(key) == before;
+  };
   std::vector<int32_t> later;  // names from the file that are taken already, then made names
   for (int32_t k = 0; k < count; ++k)
-    if (!made[k] && !taken.insert(hostItemKey(nameAt(k))).second) later.push_back(k);
+    if (!made[k] && !take(hostItemKey(nameAt(k)))) later.push_back(k);
   for (int32_t k = 0; k < count; ++k)
     if (made[k]) later.push_back(k);
   std::vector<std::pair<int32_t, HostName>> changes;
@@ -272,12 +278,12 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
   for (int32_t k : later) {
     HostName name = nameAt(k);
     std::string key = hostItemKey(name);
-    if (made[k] && taken.insert(key).second) continue;
+    if (made[k] && take(key)) continue;
     std::size_t& underscores = tried[key];
     const std::string symbol = name.symbol;
     do {
       name = hostMakeName(symbol + std::string(++underscores, '_'), std::move(name.labels));
-    } while (!taken.insert(hostItemKey(name)).second);
+    } while (!take(hostItemKey(name)));
     changes.emplace_back(k, std::move(name));
   }
   std::sort(changes.begin(), changes.end(),

@@ -93,55 +93,36 @@ void countEntry(ItemCounts& c, double a, bool nonlinear, bool inObjective) {
   if (size > c.maximum) c.maximum = size;
 }
 
-// The sums of each row's entries, gathered by the column pass: the row pass needs no more of a
-// row, so the row form is never built. They live in the regions of the matrix, which MATCHIT
-// does not otherwise fill: rowFill counts a row's entries, and a row gets at its first entry a
-// place of its own in the entry regions (rowStart), where colRowIndex counts its entries above
-// 0, rowColIndex its nonlinear ones, and colCoef and rowCoef hold the smallest and largest size
-// outside the objective column. There are never more rows with entries than entries.
-struct RowSums {
-  Vec1<int32_t> entries, place, positive, nonlinear;
-  Vec1<double> minimum, maximum;
-  int32_t used = 0;  // places given
+// The sums of a row's entries, gathered by the column pass: the row pass needs no more of a
+// row, so the row form is never built. A row's sums lie together, so that an entry of a column
+// reaches its row's sums with one read from memory.
+struct RowSum {
+  int32_t entries = 0, positive = 0, nonlinear = 0;
+  double minimum = 0.0, maximum = -1.0;  // of the sizes outside the objective column
 
-  void add(int32_t i, double a, bool isNonlinear, bool objectiveColumn, double plusInf) {
-    int32_t at = place[i];
-    if (at == 0) {
-      if (used >= positive.size() || used >= minimum.size()) return;  // a host beyond nzCount
-      at = place[i] = ++used;
-      positive[at] = nonlinear[at] = 0;
-      minimum[at] = plusInf;
-      maximum[at] = -1.0;
-    }
-    entries[i] += 1;
-    if (a > 0.0) positive[at] += 1;
-    if (isNonlinear) nonlinear[at] += 1;
+  void add(double a, bool isNonlinear, bool objectiveColumn) {
+    entries += 1;
+    if (a > 0.0) positive += 1;
+    if (isNonlinear) nonlinear += 1;
     if (objectiveColumn) return;
     const double size = std::fabs(a);
-    if (size < minimum[at]) minimum[at] = size;
-    if (size > maximum[at]) maximum[at] = size;
+    if (size < minimum) minimum = size;
+    if (size > maximum) maximum = size;
   }
 
-  // The counters of row i as a listed equation counts them: an entry not above 0 is negative.
-  ItemCounts counts(int32_t i, double plusInf) const {
+  // The counters of the row as a listed equation counts them: an entry not above 0 is negative.
+  ItemCounts counts() const {
     ItemCounts c;
-    c.minimum = plusInf;
-    const int32_t at = place[i];
-    if (at == 0) return c;
-    c.total = entries[i];
-    c.positive = positive[at];
-    c.negative = c.total - c.positive;
-    c.nonlinear = nonlinear[at];
-    c.isNonlinear = c.nonlinear > 0 ? 1 : 0;
-    c.minimum = minimum[at];
-    c.maximum = maximum[at];
+    c.total = entries;
+    c.positive = positive;
+    c.negative = entries - positive;
+    c.nonlinear = nonlinear;
+    c.isNonlinear = nonlinear > 0 ? 1 : 0;
+    c.minimum = minimum;
+    c.maximum = maximum;
     return c;
   }
 };
-
-RowSums rowSumsOf(const MatchItRegions& r) {
-  return {r.rowFill, r.rowStart, r.colRowIndex, r.rowColIndex, r.colCoef, r.rowCoef};
-}
 
 struct Report {
   RunContext& run;
@@ -217,11 +198,9 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     }
   }
   const int32_t m = run.rowCount, n = run.colCount;
-  RowSums rows = rowSumsOf(r);
+  std::vector<RowSum> rows(static_cast<size_t>(m) + 1, RowSum{0, 0, 0, run.plusInf, -1.0});
   for (int32_t i = 1; i <= m; ++i) {
     r.rowScale[i] = run.useScale != 0 ? ovmGetEquScaleOne(run.model, i) : 1.0;
-    rows.entries[i] = 0;
-    rows.place[i] = 0;
   }
 
   const int32_t width = std::clamp(run.pageWidth, 72, 174);
@@ -247,7 +226,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     const bool objectiveColumn = j == run.objVar;
     walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
       countEntry(c, a, nl > 0, i == run.objRow);
-      rows.add(i, a, nl > 0, objectiveColumn, run.plusInf);
+      rows[static_cast<size_t>(i)].add(a, nl > 0, objectiveColumn);
     });
     entryCount += c.total;
     if (selected) {
@@ -274,7 +253,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
       if (match.selected <= 0) continue;
       const bool listed = match.directCode == FILTER_ON;
       if (listed) report.listHead(equs, headWritten);
-      const ItemCounts c = rows.counts(i, run.plusInf);
+      const ItemCounts c = rows[static_cast<size_t>(i)].counts();
       requestsMet(equs, item, lists, run.procIndex, rowTallyMemo, met);
       tallyItem(equs, met, c);
       if (listed) {

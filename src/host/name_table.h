@@ -1,0 +1,108 @@
+// Names kept once in an arena and found by an open-addressing hash table. A slot holds the upper
+// bits of the name's hash, its index and length, and its first kInline bytes, so that finding a
+// name of up to kInline bytes, as most model names are, reads one slot and nothing else; the
+// rest of a longer name is compared in the arena. Readers use it for the names of a file, and
+// the rule of distinct names for the keys of a model's items.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct HostNameTable {
+  static constexpr std::size_t kInline = 20;
+  struct alignas(32) Slot {
+    uint32_t tag = 0;
+    int32_t index = -1;  // -1: an empty slot
+    uint32_t length = 0;
+    char text[kInline] = {};
+  };
+  std::string arena;                  // the names' texts, one after the other
+  std::vector<std::size_t> start{0};  // arena offset of each name, and one past the last
+  std::vector<Slot> slots;
+
+  int32_t size() const { return static_cast<int32_t>(start.size() - 1); }
+  std::string_view name(int32_t k) const {
+    const auto at = static_cast<std::size_t>(k);
+    return std::string_view(arena).substr(start[at], start[at + 1] - start[at]);
+  }
+  // Eight bytes at a time: names run from a few bytes to a few dozen.
+  static uint64_t hash(std::string_view s) {
+    uint64_t h = s.size() * 0x9e3779b97f4a7c15ull;
+    std::size_t i = 0;
+    for (; i + 8 <= s.size(); i += 8) {
+      uint64_t w;
+      std::memcpy(&w, s.data() + i, 8);
+      h = (h ^ w) * 0xbf58476d1ce4e5b9ull;
+      h ^= h >> 31;
+    }
+    if (i < s.size()) {
+      uint64_t w = 0;
+      std::memcpy(&w, s.data() + i, s.size() - i);
+      h = (h ^ w) * 0x94d049bb133111ebull;
+    }
+    // The products carry a byte's change only upwards: mix the high bits into the low ones
+    // that pick the slot.
+    h ^= h >> 32;
+    h *= 0xd6e8feb86659fd93ull;
+    return h ^ (h >> 32);
+  }
+  bool holds(const Slot& slot, uint32_t tag, std::string_view s) const {
+    if (slot.tag != tag || slot.length != s.size()) return false;
+    if (std::memcmp(slot.text, s.data(), std::min(s.size(), kInline)) != 0) return false;
+    return s.size() <= kInline || name(slot.index) == s;
+  }
+  // The slot where `s`, of hash `h`, is or would go.
+  std::size_t slotOf(std::string_view s, uint64_t h) const {
+    const std::size_t mask = slots.size() - 1;
+    const auto tag = static_cast<uint32_t>(h >> 32);
+    std::size_t at = static_cast<std::size_t>(h) & mask;
+    while (slots[at].index >= 0 && !holds(slots[at], tag, s)) at = (at + 1) & mask;
+    return at;
+  }
+  // The index of `s`, or -1.
+  int32_t find(std::string_view s) const {
+    if (slots.empty()) return -1;
+    return slots[slotOf(s, hash(s))].index;
+  }
+  // Room for `n` names without growing the table.
+  void reserve(std::size_t n) {
+    std::size_t want = 64;
+    while (want < 2 * n) want *= 2;
+    if (want > slots.size()) rehash(want);
+  }
+  // The index of `s`, added when it is not there yet (then the index is size() - 1), found with
+  // one probe of the table.
+  int32_t insert(std::string_view s) {
+    if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
+      rehash(std::max<std::size_t>(64, slots.size() * 2));
+    }
+    const uint64_t h = hash(s);
+    Slot& slot = slots[slotOf(s, h)];
+    if (slot.index >= 0) return slot.index;
+    const int32_t k = size();
+    arena.append(s);
+    start.push_back(arena.size());
+    fill(slot, h, s, k);
+    return k;
+  }
+
+ private:
+  void rehash(std::size_t slotCount) {
+    slots.assign(slotCount, Slot{});
+    for (int32_t k = 0; k < size(); ++k) {
+      const std::string_view t = name(k);
+      const uint64_t h = hash(t);
+      fill(slots[slotOf(t, h)], h, t, k);
+    }
+  }
+  static void fill(Slot& slot, uint64_t h, std::string_view s, int32_t k) {
+    slot.tag = static_cast<uint32_t>(h >> 32);
+    slot.index = k;
+    slot.length = static_cast<uint32_t>(s.size());
+    std::memcpy(slot.text, s.data(), std::min(s.size(), kInline));
+  }
+};
