@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -124,6 +125,41 @@ struct RowSum {
   }
 };
 
+// A row's code: its group above kCodeShift, and whether it has entries and nonlinear ones.
+constexpr int32_t kHasEntry = 1;
+constexpr int32_t kHasNonlinear = 2;
+constexpr int32_t kCodeShift = 2;
+
+// The groups of selected rows: the requests each group's rows meet, in one pool, and the sums
+// of its entries. Group 0 stands for no group.
+struct RowGroups {
+  std::vector<int32_t> code;           // per row, 0 for a row not selected
+  std::vector<RowSum> sums{RowSum{}};  // per group
+  std::vector<char> listed{0};
+  std::vector<int32_t> metPool;
+  std::vector<int32_t> metBegin{0, 0};  // group g meets metPool[metBegin[g] .. metBegin[g + 1])
+  std::map<std::vector<int32_t>, int32_t> shared;  // the group of unlisted rows by requests met
+  int32_t lastShared = 0;
+
+  int32_t groupOf(const std::vector<int32_t>& met, bool isListed, double plusInf) {
+    if (!isListed) {
+      const auto g = static_cast<size_t>(lastShared);
+      if (lastShared > 0 && std::equal(met.begin(), met.end(), metPool.begin() + metBegin[g],
+                                       metPool.begin() + metBegin[g + 1])) {
+        return lastShared;
+      }
+      if (auto it = shared.find(met); it != shared.end()) return lastShared = it->second;
+    }
+    const auto g = static_cast<int32_t>(sums.size());
+    sums.push_back(RowSum{0, 0, 0, plusInf, -1.0});
+    listed.push_back(isListed ? 1 : 0);
+    metPool.insert(metPool.end(), met.begin(), met.end());
+    metBegin.push_back(static_cast<int32_t>(metPool.size()));
+    if (!isListed) shared.emplace(met, lastShared = g);
+    return g;
+  }
+};
+
 struct Report {
   RunContext& run;
   int32_t labelWidth;
@@ -198,7 +234,6 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     }
   }
   const int32_t m = run.rowCount, n = run.colCount;
-  std::vector<RowSum> rows(static_cast<size_t>(m) + 1, RowSum{0, 0, 0, run.plusInf, -1.0});
   for (int32_t i = 1; i <= m; ++i) {
     r.rowScale[i] = run.useScale != 0 ? ovmGetEquScaleOne(run.model, i) : 1.0;
   }
@@ -211,13 +246,32 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   met.reserve(static_cast<size_t>(std::max(vars.count, equs.count)));
   bool headWritten = false;
 
-  // Column pass: the variable tallies and list, and the sums of every row.
+  // The rows, before the columns: which requests each meets. Rows that meet the same requests
+  // and are not listed share one group, whose sums the column pass gathers; a listed row has a
+  // group of its own. An entry so reaches a small code of its row and a group's sums, which
+  // stay in the cache, and no sums of every row are held.
+  RowGroups groups;
+  if (equs.count > 0) {  // without equation requests no row is selected
+    groups.code.assign(static_cast<size_t>(m) + 1, 0);
+    const bool nameEach = !meetsEveryItem(lists.row, equs.count);
+    SymbolMemo rowMemo, rowTallyMemo;
+    for (int32_t i = 1; i <= m; ++i) {
+      const ItemName& item = nameEach ? rowName(run.dictionary, i, names) : names.item;
+      const ItemMatch match = matchEquRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &rowMemo);
+      if (match.selected <= 0) continue;
+      requestsMet(equs, item, lists, run.procIndex, rowTallyMemo, met);
+      groups.code[static_cast<size_t>(i)] =
+          groups.groupOf(met, match.directCode == FILTER_ON, run.plusInf) << kCodeShift;
+    }
+  }
+
+  // Column pass: the variable tallies and list, and the sums of the row groups.
+  const bool nameEach = !meetsEveryItem(lists.col, vars.count);
   int64_t entryCount = 0;
   for (int32_t j = 1; j <= n; ++j) {
     ItemCounts c;
     c.minimum = run.plusInf;
-    // Without variable requests every column is counted and none listed: none is named.
-    const ItemName& item = vars.count > 0 ? columnName(run, run.dictionary, j, names) : names.item;
+    const ItemName& item = nameEach ? columnName(run, run.dictionary, j, names) : names.item;
     r.colScale[j] = run.useScale > 0 ? ovmGetVarScaleOne(run.model, j) : 1.0;
     const ItemMatch match = matchVarRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &memo);
     const bool selected = match.selected == 1;
@@ -226,7 +280,11 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     const bool objectiveColumn = j == run.objVar;
     walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
       countEntry(c, a, nl > 0, i == run.objRow);
-      rows[static_cast<size_t>(i)].add(a, nl > 0, objectiveColumn);
+      if (groups.code.empty()) return;
+      int32_t& code = groups.code[static_cast<size_t>(i)];
+      if (code == 0) return;
+      code |= kHasEntry | (nl > 0 ? kHasNonlinear : 0);
+      groups.sums[static_cast<size_t>(code >> kCodeShift)].add(a, nl > 0, objectiveColumn);
     });
     entryCount += c.total;
     if (selected) {
@@ -234,33 +292,45 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
       tallyItem(vars, met, c);
     }
     if (listed) {
+      const ItemName& named = nameEach ? item : columnName(run, run.dictionary, j, names);
       int32_t length = 0, dim = 0, isNew = 0;
       varItemLabel(run, run.dictionary, j, report.label, length, dim, isNew, MAX_LINE);
-      report.itemLine(vars, item.symbol, c);
+      report.itemLine(vars, named.symbol, c);
     }
   }
   if (vars.count > 0) report.requestTable(vars);
 
-  // Row pass, over the sums of each row: every count of the tallies and of a listed row is a
-  // sum over the row's entries, and the smallest and largest size do not depend on their order.
+  // Row pass: the listed rows with their group's sums, and the rows with entries counted into
+  // their group's tallies. Every count of a tally is a sum over entries or rows, and the
+  // smallest and largest size of a row do not depend on the order of its entries.
   report.lastSymbol = "$nothing$";
   headWritten = false;
-  if (entryCount > 0 && equs.count > 0) {  // without equation requests no row is selected
-    SymbolMemo rowMemo, rowTallyMemo;
+  if (entryCount > 0 && !groups.code.empty()) {
+    std::vector<int32_t> items(groups.sums.size(), 0), nonlinearItems(groups.sums.size(), 0);
     for (int32_t i = 1; i <= m; ++i) {
+      const int32_t code = groups.code[static_cast<size_t>(i)];
+      if (code == 0) continue;
+      const auto g = static_cast<size_t>(code >> kCodeShift);
+      if ((code & kHasEntry) != 0) items[g] += 1;
+      if ((code & kHasNonlinear) != 0) nonlinearItems[g] += 1;
+      if (!groups.listed[g]) continue;
+      report.listHead(equs, headWritten);
       const ItemName& item = rowName(run.dictionary, i, names);
-      const ItemMatch match = matchEquRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &rowMemo);
-      if (match.selected <= 0) continue;
-      const bool listed = match.directCode == FILTER_ON;
-      if (listed) report.listHead(equs, headWritten);
-      const ItemCounts c = rows[static_cast<size_t>(i)].counts();
-      requestsMet(equs, item, lists, run.procIndex, rowTallyMemo, met);
-      tallyItem(equs, met, c);
-      if (listed) {
-        int32_t length = 0, dim = 0;
-        equItemLabel(run.dictionary, i, report.label, length, LABEL_FULL, TextTable{}, dim,
-                     MAX_LINE);
-        report.itemLine(equs, item.symbol, c);
+      int32_t length = 0, dim = 0;
+      equItemLabel(run.dictionary, i, report.label, length, LABEL_FULL, TextTable{}, dim, MAX_LINE);
+      report.itemLine(equs, item.symbol, groups.sums[g].counts());
+    }
+    for (size_t g = 1; g < groups.sums.size(); ++g) {
+      if (items[g] == 0) continue;
+      const RowSum& sum = groups.sums[g];
+      for (int32_t k = groups.metBegin[g]; k < groups.metBegin[g + 1]; ++k) {
+        const int32_t request = groups.metPool[static_cast<size_t>(k)];
+        equs.tally(request, TALLY_ITEMS) += items[g];
+        equs.tally(request, TALLY_NONLINEAR_ITEMS) += nonlinearItems[g];
+        equs.tally(request, TALLY_ENTRIES) += sum.entries;
+        equs.tally(request, TALLY_POSITIVE) += sum.positive;
+        equs.tally(request, TALLY_NEGATIVE) += sum.entries - sum.positive;
+        equs.tally(request, TALLY_NONLINEAR) += sum.nonlinear;
       }
     }
   }

@@ -93,7 +93,14 @@ bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item,
   for (int32_t p = 1; p <= n; ++p) {
     const std::string_view pattern = side.label(k, p);
     if (plain[p - 1] != 0 && pattern.size() == static_cast<size_t>(kName)) {
-      if (std::memcmp(pattern.data(), forms.at(item, p), kName) != 0) return false;
+      // Most plain patterns of a list differ from a label in its first eight bytes.
+      const char* form = forms.at(item, p);
+      uint64_t head = 0, formHead = 0;
+      std::memcpy(&head, pattern.data(), sizeof head);
+      std::memcpy(&formHead, form, sizeof formHead);
+      if (head != formHead) return false;
+      if (std::memcmp(pattern.data() + sizeof head, form + sizeof head, kName - sizeof head) != 0)
+        return false;
     } else if (!matchPattern(pattern, item.labels.view(p))) {
       return false;
     }
@@ -119,20 +126,25 @@ const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t co
   }
   const std::string_view s = item.symbol.substr(0, kName);
   const auto len = static_cast<int32_t>(s.size());
+  const auto holds = [&](const SymbolMemo::Entry& e) {
+    return e.length == len && (len == 0 || std::memcmp(e.symbol, s.data(), s.size()) == 0);
+  };
   if (!fresh) {
-    for (const SymbolMemo::Entry& e : memo.entries) {
-      if (e.length == len && std::memcmp(e.symbol, s.data(), s.size()) == 0) return e.met;
+    if (holds(memo.entries[memo.last])) return memo.entries[memo.last].met;
+    for (size_t q = 0; q < SymbolMemo::kSymbols; ++q) {
+      if (holds(memo.entries[q])) return memo.entries[memo.last = q].met;
     }
   } else {
     for (SymbolMemo::Entry& e : memo.entries) e.length = -1;
   }
+  memo.last = memo.next;
   SymbolMemo::Entry& e = memo.entries[memo.next];
   memo.next = (memo.next + 1) % SymbolMemo::kSymbols;
   e.met.clear();
   for (int32_t r = 1; r <= count; ++r) {
     if (matchPattern(side.symbol.view(r), s)) e.met.push_back(r);
   }
-  std::memcpy(e.symbol, s.data(), s.size());
+  if (len > 0) std::memcpy(e.symbol, s.data(), s.size());
   e.length = len;
   return e.met;
 }
@@ -143,8 +155,11 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
   int32_t first = 1, last = count;
   if (matchScope == SCOPE_ONE) first = last = requestIndex;
   if (first < 1 || last > count) return m;
-  SymbolMemo own;  // a caller without a memo pays for the marks on every call
-  SymbolMemo& marks = memo != nullptr ? *memo : own;
+  if (memo == nullptr) {  // a caller without a memo pays for the marks on every call
+    SymbolMemo own;
+    return matchList(item, side, count, matchScope, requestIndex, &own);
+  }
+  SymbolMemo& marks = *memo;
   const std::vector<int32_t>& met = symbolRequests(side, count, item, marks);
   const bool stopAtFirst = matchScope == SCOPE_FIRST;
   ItemForms forms;
@@ -226,6 +241,16 @@ bool matchPattern(std::string_view pattern, std::string_view text) {
   return true;
 }
 
+bool meetsEveryItem(const SelectionSide& side, int32_t count) {
+  for (int32_t k = 1; k <= count; ++k) {
+    const std::string_view symbol = side.symbol.view(k);
+    const int32_t n = usedLength(symbol.data(), static_cast<int32_t>(symbol.size()));
+    const bool any = n == 0 || (n == 1 && symbol[0] == '*');
+    if (!any || side.dim[k] != 0) return false;
+  }
+  return true;
+}
+
 ItemMatch matchVarRequests(const ItemName& item, const RequestLists& lists, int32_t matchScope,
                            int32_t requestIndex, int32_t procIndex, SymbolMemo* memo) {
   if (lists.varCount < 1) {
@@ -283,9 +308,11 @@ void resolveRequests(const SelectionContext& context, const RequestLists& lists,
   ItemNameBuffer buffer;
   if (lists.varCount > 0) {
     SymbolMemo memo;
+    const bool nameEach = !meetsEveryItem(lists.col, lists.varCount);
     for (int32_t j = 1; j <= context.colCount; ++j) {
-      matchVarRequests(columnName(*context.run, context.dictionary, j, buffer), lists, SCOPE_ALL, 0,
-                       context.procIndex, &memo);
+      matchVarRequests(nameEach ? columnName(*context.run, context.dictionary, j, buffer)
+                                : buffer.item,
+                       lists, SCOPE_ALL, 0, context.procIndex, &memo);
     }
     reportUnmet(context, lists.col, lists.varCount,
                 "(1X,/,5X,'## Did not find Requested Variable ',A)", hintGiven);
@@ -296,9 +323,11 @@ void resolveRequests(const SelectionContext& context, const RequestLists& lists,
   }
   if (lists.equCount < 1) return;  // no row can be selected
   SymbolMemo memo;
+  const bool nameEach = !meetsEveryItem(lists.row, lists.equCount);
   for (int32_t i = 1; i <= context.rowCount; ++i) {
-    const ItemMatch m = matchEquRequests(rowName(context.dictionary, i, buffer), lists, SCOPE_ALL,
-                                         0, context.procIndex, &memo);
+    const ItemMatch m =
+        matchEquRequests(nameEach ? rowName(context.dictionary, i, buffer) : buffer.item, lists,
+                         SCOPE_ALL, 0, context.procIndex, &memo);
     if (m.selected > 0 && rowSelected[i] == 0) rowSelected[i] = m.directCode;
   }
   reportUnmet(context, lists.row, lists.equCount,

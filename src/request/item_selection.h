@@ -52,8 +52,13 @@ struct SymbolMemo {
   static constexpr size_t kSymbols = 8;
   std::array<Entry, kSymbols> entries;
   size_t next = 0;             // the entry that the next new symbol takes
+  size_t last = 0;             // the entry met last
   std::vector<uint8_t> plain;  // per request and position, 1 for a plain element pattern
 };
+
+// True when each of the first `count` requests of a side meets every item whatever its name (a
+// symbol pattern "*" or blank, no element patterns): a walk then needs no item's name to match.
+bool meetsEveryItem(const SelectionSide& side, int32_t count);
 
 // Tests an item against the variable list (scope, requestIndex as above); marks `found` of
 // every request met. An empty list selects every column (directCode 3) unless DISPLAYCR or
