@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -25,68 +26,17 @@ const std::string kSource = SOURCE_DIR;
 const std::string kData = kSource + "/tests/data/orva/";
 const std::string kTransport = kSource + "/examples/transport/transport.mod";
 
+// The cases of tests/data/orva/bad-input.cases: the arguments, one a line, and the first line
+// of standard error.
 TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {
-  struct Case {
-    const char* what;
-    std::vector<std::string> args;
-    std::string message;  // the first line of standard error
-  };
-  const std::vector<Case> cases = {
-      {"MathProg syntax error", {kData + "syntax_error.mod"},
-       "orva: " + kData + "syntax_error.mod:6: "},
-      {"unknown option keyword", {kTransport, "--options", kData + "unknown_keyword.opt"},
-       "orva: " + kData + "unknown_keyword.opt:5: unknown option keyword \"BLOCKSIZE\""},
-      {"option value out of range", {kTransport, "--options", kData + "out_of_range.opt"},
-       "orva: " + kData + "out_of_range.opt:2: the value 123456 of VARREQUESTS lies outside "
-       "-9999 to 99999"},
-      {"option value not a number", {kTransport, "--options", kData + "not_a_number.opt"},
-       "orva: " + kData + "not_a_number.opt:1: the value \"six\" of LARGEMARGINAL is not a "
-       "whole number"},
-      {"missing option file", {kTransport, "--options", kData + "none.opt"},
-       "orva: " + kData + "none.opt: cannot read the option file"},
-      {"missing data file", {kData + "needs_data.mod", "--data", kData + "none.dat"},
-       "orva: " + kData + "none.dat: no such data file"},
-      {"missing model file", {kData + "none.mod"}, "orva: " + kData + "none.mod: no such model file"},
-      {"native instance of a wrong type", {kData + "bad_types.json"},
-       "orva: " + kData + "bad_types.json:5: "},
-      {"entry in a row that does not exist", {kData + "bad_entry_row.json"},
-       "orva: " + kData + "bad_entry_row.json:9: "},
-      {"negative count", {kData + "negative_count.json"},
-       "orva: " + kData + "negative_count.json:3: "},
-      {"malformed solution", {kTransport, "--solution", kData + "transport_bad.sol"},
-       "orva: " + kData + "transport_bad.sol:6: "},
-      {"missing solution", {kTransport, "--solution", kData + "none.sol"},
-       "orva: " + kData + "none.sol: no such solution file"},
-      {"missing request file", {kTransport, "--requests", kData + "none.mrk"},
-       "orva: " + kData + "none.mrk: no such request file"},
-      {"missing nonlinear model", {kData + "model.nl"},
-       "orva: " + kData + "model.nl: no such model file"},
-      {"solution of another nonlinear model",
-       {kSource + "/examples/nonlinear/blend.nl", "--solution", kData + "other_model.sol"},
-       "orva: " + kData + "other_model.sol:8: the solution has 2 constraints, the model 3"},
-      {"unknown extension", {kData + "model.txt"}, "orva: " + kData + "model.txt: cannot tell the format"},
-      {"unknown format word", {kTransport, "--format", "ampl"}, "orva: --format ampl: unknown format"},
-      {"unknown command-line option", {kTransport, "--verbose"}, "orva: unknown option --verbose"},
-      {"option without its value", {kTransport, "--listing"}, "orva: --listing needs a value"},
-      {"page width out of range", {kTransport, "--page-width", "20"},
-       "orva: --page-width 20: the page width is a whole number from 50 to 254"},
-      {"time limit not a number", {kTransport, "--time-limit", "soon"},
-       "orva: --time-limit soon: the time limit is a number of seconds above 0"},
-      {"scale source", {kTransport, "--scale", "geometric"},
-       "orva: --scale geometric: the only scale source is auto"},
-      {"unknown symbol rule", {kTransport, "--symbols", "first:0"},
-       "orva: --symbols first:0: the rules are auto, scalar, trailing-digits, before-digit and "
-       "first:N (N from 1 to 63)"},
-      {"solve and no-solve", {kTransport, "--solve", "--no-solve"},
-       "orva: --solve and --no-solve exclude each other"},
-      {"no model", {"--no-solve"}, "orva: no model given"},
-  };
+  const std::map<std::string, std::string> vars = {{"DATA", kData}, {"SOURCE", kSource}};
   const fs::path dir = freshDir("bad");
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    RunResult r = runOrva(dir, c.args);
+  for (const FileCase& c : readCases("orva/bad-input.cases")) {
+    const std::string message = substitute(c.expected, vars);
+    SCOPED_TRACE(message);
+    RunResult r = runOrva(dir, splitLines(substitute(c.text, vars)));
     EXPECT_EQ(r.status, 2);
-    EXPECT_EQ(r.err.rfind(c.message, 0), 0u) << r.err;
+    EXPECT_EQ(r.err.rfind(message, 0), 0u) << r.err;
     // Nothing reached modrake: no listing, no log.
     EXPECT_FALSE(fs::exists(dir / "transport.lst"));
     EXPECT_EQ(r.out, "");

@@ -1,6 +1,5 @@
 // The option file MODRAKE.OPT and the control records written from it.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -8,14 +7,10 @@
 #include <vector>
 
 #include "golden.h"
+#include "orva_run.h"
 #include "orva/options.h"
 
 namespace {
-
-// A file name of this test process in the temporary folder.
-std::string tempPath(const std::string& name) {
-  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
-}
 
 // Parses `text` and returns the error, "" on success.
 std::string parseError(const std::string& text, OrvaOptions& options) {

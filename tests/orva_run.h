@@ -33,6 +33,11 @@ inline std::filesystem::path freshDir(const std::string& name) {
   return dir;
 }
 
+// A file name of this test process in the temporary folder.
+inline std::string tempPath(const std::string& name) {
+  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
+}
+
 inline RunResult runOrva(const std::filesystem::path& dir, const std::vector<std::string>& args) {
   std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN);
   for (const std::string& a : args) cmd += " " + quote(a);
