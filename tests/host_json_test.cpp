@@ -16,6 +16,8 @@ std::string refusal(const HostScratch& scratch, const std::string& text) {
   return error.substr(std::min(error.size(), path.size()));
 }
 
+// Among them, instances that would show two items under one name, as ones that name an item
+// twice: a symbol given by itself may hold brackets, a label a comma.
 TEST(HostJson, MalformedInstancesAreRefusedWithTheirLine) {
   HostScratch scratch;
   for (const FileCase& c : readCases("host/json-refusals.cases")) {

@@ -231,8 +231,7 @@ TEST(HostNames, NlNamesThatCollideAreMadeDistinct) {
     if (!c.row.empty()) scratch.write("m.row", c.row);
     if (!c.col.empty()) scratch.write("m.col", c.col);
     HostInstance inst;
-    std::string error;
-    ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Nl, "", {}}, inst, error)) << error;
+    ASSERT_TRUE(hostRead({path, ModelFormat::Nl, "", {}}, inst));
     EXPECT_EQ(hostItemNames(inst, true), c.rowNames);
     EXPECT_EQ(hostItemNames(inst, false), c.colNames);
   }
@@ -269,30 +268,6 @@ TEST(HostNames, InstanceFilesWithNamesNoReaderTakesAreRefused) {
     HostInstance back;
     EXPECT_FALSE(loadInstanceFile(path, back, error));
     EXPECT_EQ(error, path + ": " + c.reason);
-  }
-}
-
-// A native instance that would show two items under one name is refused, as one that names
-// an item twice: a symbol given by itself may hold brackets, a label a comma.
-TEST(HostNames, JsonItemsThatShowAlikeAreRefused) {
-  struct Case {
-    const char* text;
-    const char* message;
-  };
-  const Case cases[] = {
-      {"{\"cols\": [{\"symbol\": \"x(a,b)\"},\n {\"name\": \"x(a,b)\"}]}",
-       ":2: column \"x(a,b)\" is named twice (also column 1)"},
-      {"{\"rows\": [{\"name\": \"r(a,b)\", \"type\": \"E\"},\n"
-       " {\"symbol\": \"r\", \"labels\": [\"a,b\"], \"type\": \"E\"}]}",
-       ":2: row \"r(a,b)\" is named twice (also row 1)"},
-  };
-  HostScratch scratch;
-  for (const Case& c : cases) {
-    const std::string path = scratch.write("alike.json", c.text);
-    HostInstance inst;
-    std::string error;
-    EXPECT_FALSE(readModel(ModelSource{path, ModelFormat::Json, "", {}}, inst, error)) << c.text;
-    EXPECT_EQ(error, path + c.message);
   }
 }
 
