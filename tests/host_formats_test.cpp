@@ -11,10 +11,9 @@
 
 namespace {
 
-HostInstance readOrFail(const std::string& path, ModelFormat format,
-                        const std::string& data = "") {
+HostInstance readOrFail(const std::string& path, ModelFormat format) {
   HostInstance inst;
-  EXPECT_TRUE(hostRead({path, format, data, {}}, inst));
+  EXPECT_TRUE(hostRead({path, format, "", {}}, inst));
   return inst;
 }
 
@@ -82,23 +81,20 @@ TEST(HostFormats, ObjectiveConstantFromMps) {
   EXPECT_EQ(in.rowRhs[1], 2);
 }
 
+// A generation error (gen.mod) is told at the line where the value is used.
 TEST(HostFormats, GlpkErrorsNameFileAndLine) {
-  const std::string mod = hostTestData("formats/bad.mod");
-  EXPECT_EQ(readError(mod, ModelFormat::MathProg).rfind(mod + ":3: ", 0), 0u)
-      << readError(mod, ModelFormat::MathProg);
-  const std::string gen = hostTestData("formats/gen.mod");
-  // A generation error is told at the line where the value is used.
-  EXPECT_EQ(readError(gen, ModelFormat::MathProg).rfind(gen + ":3: ", 0), 0u)
-      << readError(gen, ModelFormat::MathProg);
-  const std::string mps = hostTestData("formats/bad.mps");
-  EXPECT_EQ(readError(mps, ModelFormat::Mps).rfind(mps + ":4: ", 0), 0u)
-      << readError(mps, ModelFormat::Mps);
-  const std::string lp = hostTestData("formats/bad.lp");
-  EXPECT_EQ(readError(lp, ModelFormat::Lp).rfind(lp + ":4: ", 0), 0u)
-      << readError(lp, ModelFormat::Lp);
-  const std::string missing = hostTestData("formats/none.mod");
-  const std::string e = readError(missing, ModelFormat::MathProg);
-  EXPECT_NE(e.find(missing), std::string::npos) << e;
+  const struct {
+    const char* file;
+    ModelFormat format;
+    const char* line;  // "" for a file that does not exist
+  } cases[] = {{"bad.mod", ModelFormat::MathProg, ":3: "}, {"gen.mod", ModelFormat::MathProg, ":3: "},
+               {"bad.mps", ModelFormat::Mps, ":4: "},      {"bad.lp", ModelFormat::Lp, ":4: "},
+               {"none.mod", ModelFormat::MathProg, ""}};
+  for (const auto& c : cases) {
+    const std::string path = hostTestData("formats/") + c.file;
+    const std::string error = readError(path, c.format);
+    EXPECT_EQ(error.rfind(path + c.line, 0), 0u) << error;
+  }
   // GLPK stays usable after a refused file.
   EXPECT_EQ(readOrFail(hostTestData("small.lp"), ModelFormat::Lp).rowCount, 9);
 }
