@@ -55,6 +55,14 @@ inline ::testing::AssertionResult hostRead(const ModelSource& source, HostInstan
   return ::testing::AssertionFailure() << error;
 }
 
+// The symbols of an instance, in order: name, "equ" or "var", and dimension.
+inline std::vector<std::string> hostSymbolLines(const HostInstance& in) {
+  std::vector<std::string> lines;
+  for (const HostSymbol& s : in.symbols)
+    lines.push_back(s.name + (s.isEquation ? " equ " : " var ") + std::to_string(s.dim));
+  return lines;
+}
+
 // The instance as text, every number exact, columns in name order: what every form of a model
 // must agree on.
 inline std::string hostDescribe(const HostInstance& in) {
@@ -81,7 +89,6 @@ inline std::string hostDescribe(const HostInstance& in) {
     cols[hostColName(in, j)] = c;
   }
   for (const auto& [name, text] : cols) out << "col " << name << " " << text << "\n";
-  for (const HostSymbol& s : in.symbols)
-    out << "symbol " << s.name << (s.isEquation ? " equ " : " var ") << s.dim << "\n";
+  for (const std::string& symbol : hostSymbolLines(in)) out << "symbol " << symbol << "\n";
   return out.str();
 }
