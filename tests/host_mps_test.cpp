@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <sstream>
 
 #include "generator.h"
 #include "golden.h"
@@ -118,41 +119,28 @@ TEST(MpsReader, WhereItReadsOtherwiseThanGlpk) {
   EXPECT_FALSE(readMps(scratch, "NAME\nOBJSENSE MAX\nROWS\n N o\nCOLUMNS\nENDATA\n").minimizing);
 }
 
-// Names that would name two items: a file name keeps its name, a name the reader makes (the
-// halves of a ranged row, objvar) gives way, and of two names that are one item under the
-// symbol rule and the label cut the later gives way; "_" goes after the symbol until it is free.
+// Names that would name two items (tests/data/host/mps-names.cases): a file name keeps its
+// name, a name the reader makes (the halves of a ranged row, objvar) gives way, and of two names
+// that are one item under the symbol rule and the label cut the later gives way; "_" goes after
+// the symbol until it is free.
 TEST(MpsReader, CollidingNamesAreMadeDistinct) {
-  const std::string a64(64, 'a');
-  struct Case {
-    std::string rows, columns;  // ROWS and COLUMNS lines, without the objective row
-    const char* rule;
-    std::vector<std::string> rowNames, colNames;
-  };
-  const Case cases[] = {
-      {" G band\n L band_lo\n", " x band 1 band_lo 1\nRANGES\n R band 2\n", "auto",
-       {"obj", "band_lo_", "band_up", "band_lo"}, {"x", "objvar"}},
-      {" G band\n G band_lo\n", " x band 1 band_lo 1\nRANGES\n R band 2\n R band_lo 2\n",
-       "auto", {"obj", "band_lo", "band_up", "band_lo_lo", "band_lo_up"}, {"x", "objvar"}},
-      {" L x(a)\n L x('a')\n L x[\"a\"]\n", " y x(a) 1\n", "auto",
-       {"obj", "x(a)", "x_(a)", "x__(a)"}, {"y", "objvar"}},
-      {" L r(1)\n L r('1')\n L r_(1)\n", " y r(1) 1\n", "auto",
-       {"obj", "r(1)", "r__(1)", "r_(1)"}, {"y", "objvar"}},
-      {" L c(" + a64 + "x)\n L c(" + a64 + "y)\n", " y c(" + a64 + "x) 1\n", "auto",
-       {"obj", "c(" + a64 + ")", "c_(" + a64 + ")"}, {"y", "objvar"}},
-      {" L c\n", " objvar c 1\n x17 c 1\n x(17) c 1\n", "trailing-digits",
-       {"obj", "c"}, {"objvar", "x(17)", "x_(17)", "objvar_"}},
-  };
   HostScratch scratch;
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.rows + c.columns);
+  for (const FileCase& c : readCases("host/mps-names.cases")) {
+    SCOPED_TRACE(c.expected);
+    std::istringstream words(c.expected);
+    std::string word;
+    words >> word;
     SymbolRule rule;
-    ASSERT_TRUE(parseSymbolRule(c.rule, rule));
-    const std::string path = scratch.write(
-        "names.mps", "NAME\nROWS\n N obj\n" + c.rows + "COLUMNS\n" + c.columns + "ENDATA\n");
+    ASSERT_TRUE(parseSymbolRule(word, rule));
+    std::vector<std::string> names[2];
+    for (int side = 0; words >> word;) {
+      if (word == "/") ++side;
+      else names[side].push_back(word);
+    }
     HostInstance in;
-    ASSERT_TRUE(hostRead({path, ModelFormat::Mps, "", rule}, in));
-    EXPECT_EQ(hostItemNames(in, true), c.rowNames);
-    EXPECT_EQ(hostItemNames(in, false), c.colNames);
+    ASSERT_TRUE(hostRead({scratch.write("names.mps", c.text), ModelFormat::Mps, "", rule}, in));
+    EXPECT_EQ(hostItemNames(in, true), names[0]);
+    EXPECT_EQ(hostItemNames(in, false), names[1]);
   }
 }
 
