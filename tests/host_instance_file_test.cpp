@@ -17,10 +17,8 @@ namespace {
 // A model with a dictionary, quotes, scale factors and a solution: every kind of field.
 HostInstance sample() {
   HostInstance in;
+  EXPECT_TRUE(hostReadTestModel("small.json", in));
   std::string error;
-  EXPECT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in,
-                        error))
-      << error;
   EXPECT_TRUE(hostAutoScale(in, error)) << error;
   HostSolution solution;
   solution.modelStat = kStatIntermediateNonoptimal;

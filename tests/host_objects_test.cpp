@@ -15,9 +15,7 @@ namespace {
 
 HostInstance threeByFour() {
   HostInstance in;
-  std::string error;
-  EXPECT_TRUE(readModel({hostTestData("three-by-four.json"), ModelFormat::Json, "", {}}, in, error))
-      << error;
+  EXPECT_TRUE(hostReadTestModel("three-by-four.json", in));
   return in;
 }
 
@@ -186,9 +184,8 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   HostScratch scratch;
   const std::string dir = scratch.dir.string() + "/";
   HostInstance model;
+  ASSERT_TRUE(hostReadTestModel("small.json", model));
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, model,
-                        error));
   // A solution file for the model: every row and column, names checked.
   HostSolution solution;
   solution.modelStat = kStatIntegerSolution;
@@ -292,8 +289,8 @@ TEST(HostLoad, FailuresGiveAMessage) {
 TEST(HostSolutionFile, RefusalsNameFileAndLine) {
   HostScratch scratch;
   HostInstance in;
+  ASSERT_TRUE(hostReadTestModel("small.json", in));
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in, error));
   HostSolution solution;
   std::string ok = "* hand made\nmodelStat 1\nrows 9\ncols 8\n";
   for (int i = 1; i <= 9; ++i) ok += "row " + std::to_string(i) + " 0 0 2 0\n";
@@ -312,8 +309,8 @@ TEST(HostSolutionFile, RefusalsNameFileAndLine) {
 TEST(HostSolutionFile, WrittenSolutionReadsBackExactly) {
   HostScratch scratch;
   HostInstance in;
+  ASSERT_TRUE(hostReadTestModel("small.mod", in));
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.mod"), ModelFormat::MathProg, "", {}}, in, error));
   HostSolution out;
   out.modelStat = kStatOptimal;
   out.solveStat = 1;

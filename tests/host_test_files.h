@@ -63,6 +63,13 @@ inline std::vector<std::string> hostSymbolLines(const HostInstance& in) {
   return lines;
 }
 
+// Reads the model tests/data/host/NAME in the format its name tells.
+inline ::testing::AssertionResult hostReadTestModel(const std::string& name, HostInstance& inst) {
+  ModelFormat format = ModelFormat::Json;
+  if (!formatFromExtension(name, format)) return ::testing::AssertionFailure() << name;
+  return hostRead({hostTestData(name), format, "", {}}, inst);
+}
+
 // The instance as text, every number exact, columns in name order: what every form of a model
 // must agree on.
 inline std::string hostDescribe(const HostInstance& in) {
