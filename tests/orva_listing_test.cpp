@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "golden.h"
@@ -79,28 +78,11 @@ TEST(OrvaListing, WrittenWholeFromTheFiles) {
 
 // POSTOPT or NONOPT want a solution where they run: blanks are dropped before reading; a THEEND
 // first runs BLOCKPIC, then reading goes on; in the section of a procedure that reads one,
-// THEEND is a request and the next keyword runs. Comments and sections hold no keyword.
+// THEEND is a request and the next keyword runs. Comments and sections hold no keyword. The
+// request files are those of tests/data/orva/solution-wanted.cases.
 TEST(OrvaRequests, SolutionWantedByPostoptOrNonopt) {
-  const std::pair<const char*, bool> cases[] = {
-      {"ANALYSIS\nPOSTOPT\nVARIABLES\nx\n", true},
-      {"  nonopt verbose\n", true},
-      {"$POSTOPT\n", true},
-      {"'$NonOpt\n", true},
-      {"POST OPT\n", true},
-      {"THEEND\nPOSTOPT\n", true},
-      {"DISPLAYCR\nTHEEND\nPOSTOPT\n", true},
-      {"PICTURE\nVARIABLES\nx\ntheend\n$NONOPT\n", true},
-      {"MATCHIT\nTHEEND\nBLOCKPIC\nNONOPT\n", true},
-      {"", false},
-      {"ANALYSIS\nBLOCKPIC\nDISPLAYCR\n", false},
-      {"# POSTOPT is for later\n? NONOPT too\n", false},
-      {"BLOCKPIC\nTHEEND\nPOSTOPT\n", false},
-      {"DISPLAYCR\nANALYSIS\nTHEEND\nNONOPT\n", false},
-      {"DISPLAYCR\nVARIABLES\nship(seattle,*)\n", false},
-  };
-  for (const auto& [text, wanted] : cases) {
-    EXPECT_EQ(orvaScanRequests(text).needsSolution, wanted) << text;
-  }
+  for (const FileCase& c : readCases("orva/solution-wanted.cases"))
+    EXPECT_EQ(orvaScanRequests(c.text).needsSolution, c.expected == "solve") << c.text;
 }
 
 // Only lines between procedures that modrake cannot match are stray: not comments, keywords
@@ -114,17 +96,15 @@ TEST(OrvaRequests, StrayLinesAreThoseModrakeCannotMatch) {
           "$blocklst\nship everything\nDISPLAYCR\nVARIABLES\nblokpic\nTHEEND\nBLOCKPIC\n"
           "blcokpc\nblokpic please\nnopt\nblock\ntheen\nTHEEND\nanalysys\n")
           .strayLines;
-  const OrvaStrayLine expected[] = {
-      {3, "blokpic", "BLOCKPIC"},         {9, "$blocklst", "$BLOCKLIST"},
-      {10, "ship everything", ""},        {16, "blcokpc", "BLOCKPIC"},
-      {17, "blokpic please", "BLOCKPIC"}, {18, "nopt", "NONOPT"},
-      {19, "block", ""},                  {20, "theen", "THEEND"}};
-  ASSERT_EQ(strays.size(), std::size(expected));
-  for (size_t k = 0; k < strays.size(); ++k) {
-    EXPECT_EQ(std::tie(strays[k].lineNumber, strays[k].text, strays[k].nearest),
-              std::tie(expected[k].lineNumber, expected[k].text, expected[k].nearest));
-  }
-  EXPECT_EQ(orvaStrayLineWarning("m.mrk", expected[2]),
+  // Each as its line number, its text and the keyword offered.
+  std::vector<std::string> shown;
+  for (const OrvaStrayLine& stray : strays)
+    shown.push_back(std::to_string(stray.lineNumber) + " [" + stray.text + "] " + stray.nearest);
+  EXPECT_EQ(shown, (std::vector<std::string>{
+                       "3 [blokpic] BLOCKPIC", "9 [$blocklst] $BLOCKLIST", "10 [ship everything] ",
+                       "16 [blcokpc] BLOCKPIC", "17 [blokpic please] BLOCKPIC", "18 [nopt] NONOPT",
+                       "19 [block] ", "20 [theen] THEEND"}));
+  EXPECT_EQ(orvaStrayLineWarning("m.mrk", strays.at(2)),
             "m.mrk:10: warning: \"ship everything\" is no keyword, comment or PW= line; modrake "
             "passes over it (a comment begins with # or ?)");
 }
