@@ -130,15 +130,8 @@ TEST(HostControlFile, EntriesAndRefusals) {
   HostScratch scratch;
   HostOptions options;
   std::string error;
-  const std::string good = scratch.write("good.ctl",
-                                         "* written by orva\n"
-                                         "NameStaFile = /tmp/x.sta\n"
-                                         "\n"
-                                         "pagewidth=  130 \n"
-                                         "NameWrkDir =\n"
-                                         "ModelFormat = fixed-mps\n"
-                                         "ScaleSource = auto\n");
-  ASSERT_TRUE(readHostControlFile(good, options, error)) << error;
+  // A comment, a blank line, a key in lower case with blanks around the value, an empty value.
+  ASSERT_TRUE(readHostControlFile(hostTestData("good.ctl"), options, error)) << error;
   ASSERT_EQ(options.size(), 5u);
   EXPECT_EQ(options[0], (std::pair<std::string, std::string>{"NameStaFile", "/tmp/x.sta"}));
   EXPECT_EQ(options[1], (std::pair<std::string, std::string>{"PageWidth", "130"}));
