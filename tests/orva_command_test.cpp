@@ -196,21 +196,29 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   fs::remove_all(dir);
 }
 
+// Runs orva with `args`, its scratch folder kept: the run ends well, nothing is solved, record 1
+// is `record1`, and the control file names no solution or model file, both travelling inside
+// the instance handed over. Gives the scratch folder.
+fs::path runHandedOver(const fs::path& dir, std::vector<std::string> args, const std::string& record1) {
+  const fs::path scratch = dir / "kept";
+  fs::remove_all(scratch);
+  args.insert(args.end(), {"--keep-scratch", scratch.string()});
+  const RunResult r = runOrva(dir, args);
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
+  EXPECT_EQ(readLines(scratch / "modrake.scr").at(0).substr(30), record1);
+  for (const std::string& line : readLines(scratch / "orva.ctl")) {
+    EXPECT_FALSE(line.starts_with("SolutionFile")) << line;
+    EXPECT_FALSE(line.starts_with("ModelFile")) << line;
+  }
+  return scratch;
+}
+
 // A solution the user has is checked, handed over as it is, and its statuses close the listing.
 TEST(OrvaCommandRun, UserSolutionHandedOver) {
   const fs::path dir = freshDir("usersol");
-  const fs::path scratch = dir / "kept";
-  RunResult r = runOrva(dir, {kData + "small.json", "--solution", kData + "small-feasible.sol",
-                              "--keep-scratch", scratch.string()});
-  ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
-  EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
-  const std::vector<std::string> control = readLines(scratch / "orva.ctl");
-  // The solution is handed over inside the instance, not as a file of its own.
-  for (const std::string& line : control) {
-    EXPECT_NE(line.rfind("SolutionFile", 0), 0u) << line;
-    EXPECT_NE(line.rfind("ModelFile", 0), 0u) << line;
-  }
+  const fs::path scratch =
+      runHandedOver(dir, {kData + "small.json", "--solution", kData + "small-feasible.sol"}, "T");
   HostInstance handed;
   std::string error;
   ASSERT_TRUE(loadInstanceFile(scratch.string() + "/orvainst.scr", handed, error)) << error;
@@ -229,9 +237,8 @@ TEST(OrvaCommandRun, UserSolutionHandedOver) {
 TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
   const fs::path dir = freshDir("native");
   std::string text = readFile(kData + "small.json");
-  const std::string withSolution = std::string(text).insert(
+  std::ofstream(dir / "own.json") << std::string(text).insert(
       text.find("\"rows\""), "\"modelStat\": 7, \"solveStat\": 3,\n  ");
-  std::ofstream(dir / "own.json") << withSolution;
   std::ofstream(dir / "own.mrk") << "POSTOPT\n";
   std::ofstream(dir / "none.json") << std::string(text).insert(text.find("\"rows\""),
                                                                "\"modelStat\": 14,\n  ");
@@ -244,20 +251,11 @@ TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
                {"none.json", "F", " Model status    14  no solution returned"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.model);
-    const fs::path scratch = dir / "kept";
-    RunResult r = runOrva(dir, {c.model, "--keep-scratch", scratch.string()});
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
-    EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), c.record1);
-    const std::vector<std::string> control = readLines(scratch / "orva.ctl");
-    EXPECT_EQ(std::count_if(control.begin(), control.end(),
-                            [](const std::string& l) { return l.starts_with("SolutionFile"); }),
-              0);
+    runHandedOver(dir, {c.model}, c.record1);
     const std::vector<std::string> listing =
         readLines(dir / (fs::path(c.model).stem().string() + ".lst"));
     ASSERT_GE(listing.size(), 1u);
     EXPECT_EQ(listing.back(), c.modelStatus);
-    fs::remove_all(scratch);
   }
   fs::remove_all(dir);
 }
