@@ -94,15 +94,10 @@ TEST(OrvaCommandRun, TransportDemoListing) {
   for (const std::string& line : listing) {
     EXPECT_NE(line.rfind("=", 0), 0u) << line;
   }
-  int titles = 0;
-  for (size_t k = 0; k + 1 < listing.size(); ++k) {
-    if (listing[k] == " #### MODRAKE ANALYSIS" || listing[k] == " #### MODRAKE BLOCKPIC" ||
-        listing[k] == " #### MODRAKE BLOCKLIST") {
-      ++titles;
-      EXPECT_EQ(listing[k + 1], " " + std::string(listing[k].size() - 1, '='));
-    }
+  for (const std::string title : {"ANALYSIS", "BLOCKPIC", "BLOCKLIST"}) {
+    EXPECT_EQ(std::count(listing.begin(), listing.end(), " #### MODRAKE " + title), 1) << title;
+    EXPECT_TRUE(containsGolden(listing, "orva/title-" + title + ".part"));
   }
-  EXPECT_EQ(titles, 3);
   EXPECT_EQ(listing[listing.size() - 2], " Solve status     1  normal completion");
   EXPECT_EQ(listing[listing.size() - 1], " Model status    14  no solution returned");
   // The echoed comment of the request file and the log on standard output.
