@@ -22,13 +22,6 @@ namespace {
 
 const std::string kBlend = std::string(SOURCE_DIR) + "/examples/nonlinear/blend";
 
-bool readNlFile(const std::string& path, HostInstance& inst, std::string& error) {
-  ModelSource source;
-  source.path = path;
-  source.format = ModelFormat::Nl;
-  return readModel(source, inst, error);
-}
-
 HostInstance readNl(const std::string& path) {
   HostInstance inst;
   EXPECT_TRUE(hostRead({path, ModelFormat::Nl, "", {}}, inst));
@@ -123,7 +116,8 @@ TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
   for (std::size_t cut = 1; cut < bytes.size(); ++cut) {
     HostInstance inst;
     std::string error;
-    EXPECT_EQ(readNlFile(cuts.write("m.nl", bytes.substr(0, cut)), inst, error), cut == 864) << cut;
+    const std::string path = cuts.write("m.nl", bytes.substr(0, cut));
+    EXPECT_EQ(readModel({path, ModelFormat::Nl, "", {}}, inst, error), cut == 864) << cut;
   }
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
@@ -134,7 +128,7 @@ TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
     const std::string path = scratch.write("m.nl", text);
     HostInstance inst;
     std::string error;
-    EXPECT_FALSE(readNlFile(path, inst, error));
+    EXPECT_FALSE(readModel({path, ModelFormat::Nl, "", {}}, inst, error));
     EXPECT_EQ(error, path + ": byte " + c.message);
   }
 }
@@ -276,7 +270,7 @@ TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
     const std::string path = scratch.write("m.nl", text);
     HostInstance inst;
     std::string error;
-    const bool read = readNlFile(path, inst, error);
+    const bool read = readModel({path, ModelFormat::Nl, "", {}}, inst, error);
     if (file == "sol") {
       ASSERT_TRUE(read) << error;
       HostSolution solution;
