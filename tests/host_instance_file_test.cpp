@@ -2,7 +2,6 @@
 // damaged file is refused without reading past its end.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 

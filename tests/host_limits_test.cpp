@@ -3,7 +3,6 @@
 // the host's infinity are read by one rule.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>

@@ -1,9 +1,6 @@
 // The host's model, environment, dictionary and audit objects; control and solution files.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "host/control_file.h"
 #include "host/host.h"
 #include "host/readers.h"
@@ -172,9 +169,27 @@ TEST(HostControlFile, WrittenFileReadsBack) {
   EXPECT_FALSE(writeHostControlFile(path, {{kOptInputName, "a\nb"}}, error));
 }
 
-// A run as modrake starts it: environment from a control file, model and dictionary loaded.
-TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
+// The environment, model and dictionary objects of a run, freed at the end of the test.
+struct HostLoad : ::testing::Test {
   HostScratch scratch;
+  oveHandle env = nullptr;
+  ovmHandle m = nullptr;
+  ovdHandle d = nullptr;
+  std::string message;
+  void SetUp() override {
+    ASSERT_TRUE(oveXCreate(env, message));
+    ASSERT_TRUE(ovmXCreate(m, message));
+    ASSERT_TRUE(ovdXCreate(d, message));
+  }
+  void TearDown() override {
+    ovdFree(d);
+    ovmFree(m);
+    oveFree(env);
+  }
+};
+
+// A run as modrake starts it: environment from a control file, model and dictionary loaded.
+TEST_F(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   const std::string dir = scratch.dir.string() + "/";
   HostInstance model;
   ASSERT_TRUE(hostReadTestModel("small.json", model));
@@ -198,24 +213,17 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
                      "\nNameScrExt = scr\nPageWidth = 90\nModelFile = " +
                      hostTestData("small.json") + "\nInputName = plan\nSolutionFile = " + dir +
                      "small.sol\n");
-  oveHandle env = nullptr;
-  ovmHandle m = nullptr;
-  std::string message;
-  ASSERT_TRUE(oveXCreate(env, message));
   ASSERT_EQ(oveInitEnvironmentLegacy(env, control), 0) << oveLastError(env);
   EXPECT_EQ(oveGetIntOpt(env, "PageWidth"), 90);
   EXPECT_EQ(oveGetIntOpt(env, "PageSize"), 0);
   EXPECT_EQ(oveGetStrOpt(env, "NameScrExt"), "scr");
   EXPECT_EQ(oveGetStrOpt(env, "NameWrkDir"), "");
-  ASSERT_TRUE(ovmXCreate(m, message));
   ASSERT_EQ(ovmRegisterEnvironment(m, env, message), 0);
   ASSERT_EQ(ovmLoadDataLegacy(m, message), 0) << message;
   ovmIndexBaseSet(m, 1);
   EXPECT_EQ(ovmM(m), 9);
   EXPECT_EQ(ovmNameInput(m), "plan");
 
-  ovdHandle d = nullptr;
-  ASSERT_TRUE(ovdXCreate(d, message));
   ASSERT_EQ(ovdLoadEx(d, ovmNameDict(m), message), 0) << message;
   EXPECT_EQ(ovdNLSyms(d), 12);
   int32_t symbol = 0, dim = 0, uels[10];
@@ -239,18 +247,9 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   ovmModelStatSet(m, 14);
   EXPECT_EQ(readFile(dir + "ovmstat.scr"), "solveStat 1\nmodelStat 14\n");
   EXPECT_EQ(ovmModelStat(m), 14);
-  ovdFree(d);
-  ovmFree(m);
-  oveFree(env);
 }
 
-TEST(HostLoad, FailuresGiveAMessage) {
-  HostScratch scratch;
-  oveHandle env = nullptr;
-  ovmHandle m = nullptr;
-  std::string message;
-  ASSERT_TRUE(oveXCreate(env, message));
-  ASSERT_TRUE(ovmXCreate(m, message));
+TEST_F(HostLoad, FailuresGiveAMessage) {
   EXPECT_NE(ovmLoadDataLegacy(m, message), 0);
   EXPECT_EQ(message, "the model object has no environment");
   ASSERT_EQ(ovmRegisterEnvironment(m, env, message), 0);
@@ -268,15 +267,10 @@ TEST(HostLoad, FailuresGiveAMessage) {
   ASSERT_EQ(ovmLoadDataLegacy(m, message), 0) << message;
   EXPECT_NE(ovmLoadSolutionLegacy(m), 0);
   // A dictionary name nobody loaded is read from the file it names.
-  ovdHandle d = nullptr;
-  ASSERT_TRUE(ovdXCreate(d, message));
   ASSERT_EQ(ovdLoadEx(d, hostTestData("small.mps"), message), 0) << message;
   EXPECT_EQ(ovdNLSyms(d), 12);
   EXPECT_NE(ovdLoadEx(d, scratch.path("nothing"), message), 0);
   EXPECT_EQ(message, scratch.path("nothing") + ": no dictionary of that name");
-  ovdFree(d);
-  ovmFree(m);
-  oveFree(env);
 }
 
 TEST(HostSolutionFile, RefusalsNameFileAndLine) {
