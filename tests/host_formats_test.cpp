@@ -29,8 +29,11 @@ std::string readError(const std::string& path, ModelFormat format) {
 // objective (=N=), and ranged rows split into a =G= and a =L= row, each half a symbol of its
 // own, scalars for a scalar constraint.
 TEST(HostFormats, OneModelInEveryFormGivesOneInstance) {
-  const std::string small = hostDescribe(readOrFail(hostTestData("small.json"), ModelFormat::Json));
+  const HostInstance json = readOrFail(hostTestData("small.json"), ModelFormat::Json);
+  const std::string small = hostDescribe(json);
   EXPECT_TRUE(matchesGolden(splitLines(small), "host/small.instance"));
+  EXPECT_EQ(hostItemNames(json, false), (std::vector<std::string>{"x(n,e)", "x(n,w)", "x(s,e)", "x(s,w)",
+                                                                  "y", "z", "w", "objvar"}));
   EXPECT_EQ(hostDescribe(readOrFail(hostTestData("small.mod"), ModelFormat::MathProg)), small);
   EXPECT_EQ(hostDescribe(readOrFail(hostTestData("small.mps"), ModelFormat::Mps)), small);
   EXPECT_EQ(hostDescribe(readOrFail(hostTestData("small_fixed.mps"), ModelFormat::FixedMps)), small);
