@@ -188,31 +188,15 @@ struct HostLoad : ::testing::Test {
   }
 };
 
-// A run as modrake starts it: environment from a control file, model and dictionary loaded.
+// A run as modrake starts it: environment from a control file, model and dictionary loaded,
+// and the solution of small-integer.sol, whose names are checked against the model's.
 TEST_F(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   const std::string dir = scratch.dir.string() + "/";
-  HostInstance model;
-  ASSERT_TRUE(hostReadTestModel("small.json", model));
-  std::string error;
-  // A solution file for the model: every row and column, names checked.
-  HostSolution solution;
-  solution.modelStat = kStatIntegerSolution;
-  solution.rowLevel.assign(9, 1.25);
-  solution.rowMarginal.assign(9, -0.5);
-  solution.rowStat.assign(9, 2);
-  solution.rowCStat.assign(9, 0);
-  solution.colLevel.assign(8, 0.1);
-  solution.colMarginal.assign(8, 0.0);
-  solution.colStat.assign(8, 3);
-  solution.colCStat.assign(8, 1);
-  solution.colLevel[7] = 1.0 / 3.0;
-  ASSERT_TRUE(writeSolutionFile(dir + "small.sol", model, solution, error)) << error;
-
   const std::string control = scratch.write(
       "run.ctl", "NameStaFile = " + dir + "small.sta\nNameScrDir = " + dir +
                      "\nNameScrExt = scr\nPageWidth = 90\nModelFile = " +
-                     hostTestData("small.json") + "\nInputName = plan\nSolutionFile = " + dir +
-                     "small.sol\n");
+                     hostTestData("small.json") + "\nInputName = plan\nSolutionFile = " +
+                     hostTestData("small-integer.sol") + "\n");
   ASSERT_EQ(oveInitEnvironmentLegacy(env, control), 0) << oveLastError(env);
   EXPECT_EQ(oveGetIntOpt(env, "PageWidth"), 90);
   EXPECT_EQ(oveGetIntOpt(env, "PageSize"), 0);
