@@ -2,11 +2,9 @@
 // names the file and line before modrake starts; good input gives a listing.
 #include <glpk.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -173,15 +171,11 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   std::ofstream(dir / "mine.mrk") << "# from elsewhere\nblokpic\nPOSTOPT\nVARIABLES\nx\n";
   const fs::path tmp = dir / "tmp";
   fs::create_directories(tmp);
-  const std::string cmdEnv = "TMPDIR=" + tmp.string();
-  // TMPDIR reaches orva through the environment of the shell line.
-  std::string cmd = "cd " + quote(dir.string()) + " && " + cmdEnv + " " + quote(ORVA_BIN) + " " +
-                    quote(kData + "small.json") + " --no-solve --requests mine.mrk >run.out 2>run.err";
-  int raw = std::system(cmd.c_str());
-  ASSERT_TRUE(WIFEXITED(raw));
-  EXPECT_EQ(WEXITSTATUS(raw), 0) << readFile(dir / "run.err");
+  const RunResult r =
+      runOrva(dir, {kData + "small.json", "--no-solve", "--requests", "mine.mrk"}, "TMPDIR=" + tmp.string());
+  EXPECT_EQ(r.status, 0) << r.err;
   // No solve; a line that modrake cannot match is told first, and the run goes on.
-  EXPECT_EQ(readFile(dir / "run.err"),
+  EXPECT_EQ(r.err,
             "orva: mine.mrk:2: warning: \"blokpic\" is no keyword; did you mean BLOCKPIC?\n"
             "orva: listing written to small.lst\n");
   const std::string listing = readFile(dir / "small.lst");
