@@ -15,6 +15,7 @@
 #include "host/solution_file.h"
 #include "golden.h"
 #include "host_test_files.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 
@@ -146,10 +147,9 @@ TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
   // orva hands the model and the solution over; the evaluator reads the copy of the .nl file
   // in the scratch folder.
   HostScratch scratch;
-  const std::string command = std::string(ORVA_BIN) + " " + kBlend + ".nl --solution " + kBlend +
-                              ".sol --no-solve --keep-scratch " + scratch.path("run") +
-                              " --listing " + scratch.path("blend.lst") + " >/dev/null 2>&1";
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  const RunResult r = runOrva(scratch.dir, {kBlend + ".nl", "--solution", kBlend + ".sol", "--no-solve",
+                                            "--keep-scratch", scratch.path("run")});
+  ASSERT_EQ(r.status, 0) << r.err;
   HostInstance inst;
   std::string error;
   ASSERT_TRUE(loadInstanceFile(scratch.path("run/orvainst.scr"), inst, error)) << error;
@@ -188,13 +188,10 @@ TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
 
 TEST(NlModel, BlocklistOfTheBundledModelCountsNonlinearEntriesAtTheFilesPoint) {
   HostScratch scratch;
-  const std::string listing = scratch.path("blend.lst");
-  const std::string command = "cd " + scratch.dir.string() + " && " + ORVA_BIN + " " + kBlend +
-                              ".nl --solution " + kBlend + ".sol --listing " + listing +
-                              " >/dev/null 2>&1";
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  const RunResult r = runOrva(scratch.dir, {kBlend + ".nl", "--solution", kBlend + ".sol"});
+  ASSERT_EQ(r.status, 0) << r.err;
   // The derivatives at x = (1, 3, 0): cost (2, 6, 3, -1), band (3, 1, 1), curve (1, 1).
-  const std::vector<std::string> lines = readLines(listing);
+  const std::vector<std::string> lines = readLines(scratch.path("blend.lst"));
   EXPECT_TRUE(containsGolden(lines, "orva/blend-variable-blocks.part"));
   EXPECT_TRUE(containsGolden(lines, "orva/blend-equation-blocks.part"));
 }
