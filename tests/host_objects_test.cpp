@@ -219,7 +219,7 @@ TEST_F(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   EXPECT_EQ(ovmGetVarLOne(m, 8), 0.0);
   ASSERT_EQ(ovmLoadSolutionLegacy(m), 0);
   EXPECT_EQ(ovmModelStat(m), kStatIntegerSolution);
-  EXPECT_EQ(ovmSolveStat(m), 1);
+  EXPECT_EQ(ovmSolveStat(m), 3);
   EXPECT_EQ(ovmGetVarLOne(m, 8), 1.0 / 3.0);
   EXPECT_EQ(ovmGetVarStatOne(m, 8), 3);
   EXPECT_EQ(ovmGetVarCStatOne(m, 1), 1);
