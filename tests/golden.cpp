@@ -25,6 +25,13 @@ std::vector<std::string> readLines(const std::filesystem::path& path) {
   return lines;
 }
 
+std::vector<std::string> splitLines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
 std::string readFile(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   std::ostringstream s;
@@ -45,6 +52,17 @@ std::vector<FileCase> readCases(const std::string& name) {
   return cases;
 }
 
+std::string substitute(std::string text, const std::map<std::string, std::string>& vars) {
+  for (const auto& [key, value] : vars) {
+    const std::string mark = "@" + key + "@";
+    for (size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
+      text.replace(at, mark.size(), value);
+      at += value.size();
+    }
+  }
+  return text;
+}
+
 ::testing::AssertionResult matchesGolden(const std::vector<std::string>& lines,
                                          const std::string& name,
                                          const std::map<std::string, std::string>& vars,
@@ -54,15 +72,7 @@ std::vector<FileCase> readCases(const std::string& name) {
     return ::testing::AssertionFailure() << "no golden file " << path.string();
   }
   std::vector<std::string> golden = readLines(path);
-  for (std::string& line : golden) {
-    for (const auto& [key, value] : vars) {
-      const std::string mark = "@" + key + "@";
-      for (size_t at = line.find(mark); at != std::string::npos; at = line.find(mark, at)) {
-        line.replace(at, mark.size(), value);
-        at += value.size();
-      }
-    }
-  }
+  for (std::string& line : golden) line = substitute(line, vars);
   const size_t common = std::min(lines.size(), golden.size());
   for (size_t k = 0; k < common; ++k) {
     if (lines[k] != golden[k]) {

@@ -15,6 +15,9 @@ std::string auditLine();
 // The lines of a file, without their line ends.
 std::vector<std::string> readLines(const std::filesystem::path& path);
 
+// The lines of a text, without their line ends.
+std::vector<std::string> splitLines(const std::string& text);
+
 // The whole text of a file.
 std::string readFile(const std::filesystem::path& path);
 
@@ -26,6 +29,9 @@ struct FileCase {
 // The cases of tests/data/NAME. A case opens with a line "### EXPECTED"; the lines up to the
 // next such line, each ended by a newline, are its text.
 std::vector<FileCase> readCases(const std::string& name);
+
+// `text` with each @KEY@ replaced by its value in `vars`.
+std::string substitute(std::string text, const std::map<std::string, std::string>& vars);
 
 // True when the lines of the golden file tests/golden/NAME stand in `lines` one after another.
 ::testing::AssertionResult containsGolden(const std::vector<std::string>& lines,

@@ -2,7 +2,6 @@
 // damaged file is refused without reading past its end.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -14,25 +13,15 @@
 
 namespace {
 
-// A model with a dictionary, quotes, scale factors and a solution: every kind of field.
+// A model with a dictionary, quotes, scale factors and a solution whose values are none of them
+// the defaults: every kind of field.
 HostInstance sample() {
   HostInstance in;
+  EXPECT_TRUE(hostReadTestModel("small.json", in));
   std::string error;
-  EXPECT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in,
-                        error))
-      << error;
   EXPECT_TRUE(hostAutoScale(in, error)) << error;
   HostSolution solution;
-  solution.modelStat = kStatIntermediateNonoptimal;
-  solution.solveStat = 3;
-  solution.rowLevel.assign(in.rowCount, 1.5);
-  solution.rowMarginal.assign(in.rowCount, -0.25);
-  solution.rowStat.assign(in.rowCount, 2);
-  solution.rowCStat.assign(in.rowCount, 1);
-  solution.colLevel.assign(in.colCount, 3.0);
-  solution.colMarginal.assign(in.colCount, 0.5);
-  solution.colStat.assign(in.colCount, 3);
-  solution.colCStat.assign(in.colCount, 2);
+  EXPECT_TRUE(readSolutionFile(hostTestData("small-integer.sol"), in, solution, error)) << error;
   applySolution(in, solution);
   return in;
 }

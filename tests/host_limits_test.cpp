@@ -3,29 +3,16 @@
 // the host's infinity are read by one rule.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "golden.h"
 #include "host/readers.h"
 #include "host_test_files.h"
 #include "orva/solve.h"
 
 namespace {
-
-struct ModelFile {
-  ModelFile(std::string n, std::string t, std::string dn = {}, std::string d = {})
-      : name(std::move(n)), text(std::move(t)), dataName(std::move(dn)), data(std::move(d)) {}
-  std::string name, text, dataName, data;
-};
-
-bool read(const HostScratch& s, const ModelFile& m, ModelFormat format, HostInstance& inst,
-          std::string& error) {
-  ModelSource source{s.write(m.name, m.text), format,
-                     m.dataName.empty() ? std::string() : s.write(m.dataName, m.data), {}};
-  return readModel(source, inst, error);
-}
 
 // A model of tests/data/host/limits/, with its data file when one is named.
 bool readLimitsModel(ModelFormat format, const std::string& name, const std::string& dataName,
@@ -35,58 +22,20 @@ bool readLimitsModel(ModelFormat format, const std::string& name, const std::str
   return readModel(source, inst, error);
 }
 
-std::vector<std::string> rowNames(const HostInstance& inst) {
-  std::vector<std::string> names;
-  for (int32_t i = 0; i < inst.rowCount; ++i) names.push_back(hostRowName(inst, i));
-  return names;
-}
-
 }  // namespace
 
+// The cases of tests/data/host/limits-refusals.cases.
 TEST(HostLimits, RefusalsNameTheErrorAtItsOwnPlace) {
-  struct Case {
-    ModelFormat format;
-    std::string name, dataName;  // files of tests/data/host/limits/
-    std::string error;           // "@" stands for that folder
-  };
-  const std::vector<Case> cases = {
-      // A warning (a bound given twice, a last line without its end) is not the error.
-      {ModelFormat::Lp, "w.lp", "", "@/w.lp:9: missing '<', '<=', or '=<' after lower bound"},
-      {ModelFormat::Mps, "w.mps", "", "@/w.mps:8: row 'c9' is not in the ROWS section"},
-      // Data checked by the model is told at the data file's line that gives it.
-      {ModelFormat::MathProg, "p.mod", "p.dat",
-       "@/p.dat:2: p[2] = -1 not >= 0; see (1) (the data of p given from this line; @/p.mod:3 checks "
-       "it)"},
-      {ModelFormat::MathProg, "q.mod", "q.dat",
-       "@/q.dat:4: p[b] = -4 not >= 0; see (1) (the data of p given from this line; @/q.mod:5 checks "
-       "it)"},
-      // A bound record given twice (GLPK's MPS reader failed an assertion on it).
-      {ModelFormat::Mps, "bv.mps", "", "@/bv.mps:9: column 'x' has two lower bounds"},
-      // Names that would split the status file's lines.
-      {ModelFormat::Json, "n.json", "",
-       "@/n.json:3: the name \"s(x\\x01)\" holds a control character (code 1)"},
-      {ModelFormat::Json, "i.json", "",
-       "@/i.json:2: the name \"a\\n=C forged\" holds a control character (code 10)"},
-      // Counts and bounds at the edges.
-      {ModelFormat::Json, "c.json", "",
-       "@/c.json:1: \"rowCount\" is 18446744073709551615 but \"rows\" has 1"},
-      {ModelFormat::Json, "b.json", "",
-       "@/b.json: column x(a) has a lower bound of 3e+300, which no value can meet (bounds of "
-       "1e+300 and beyond are infinite)"},
-      {ModelFormat::Mps, "b.mps", "",
-       "@/b.mps: column x has an upper bound of -1e+300, which no value can meet (bounds of "
-       "1e+300 and beyond are infinite)"},
-  };
   const std::string dir = hostTestData("limits");
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const FileCase& c : readCases("host/limits-refusals.cases")) {
+    const std::vector<std::string> files = splitLines(c.text);
+    SCOPED_TRACE(files[0]);
+    ModelFormat format = ModelFormat::Json;
+    ASSERT_TRUE(formatFromExtension(files[0], format));
     HostInstance inst;
     std::string error;
-    EXPECT_FALSE(readLimitsModel(c.format, c.name, c.dataName, inst, error));
-    std::string expected = c.error;
-    for (std::size_t at = expected.find('@'); at != std::string::npos; at = expected.find('@', at))
-      expected.replace(at, 1, dir);
-    EXPECT_EQ(error, expected);
+    EXPECT_FALSE(readLimitsModel(format, files[0], files.size() > 1 ? files[1] : "", inst, error));
+    EXPECT_EQ(error, substitute(c.expected, {{"LIMITS", dir}}));
   }
 }
 
@@ -101,11 +50,9 @@ TEST(HostLimits, DeepNestingAndLongPathsAreRead) {
   for (int k = 0; k < 5000; ++k) conditions += " else 0";
   for (const std::string& expr : {parentheses, conditions}) {
     HostInstance inst;
-    std::string error;
-    ASSERT_TRUE(read(s, {"deep.mod", "var x;\nminimize o: " + expr + ";\nend;\n"},
-                     ModelFormat::MathProg, inst, error))
-        << error;
-    EXPECT_EQ(rowNames(inst), std::vector<std::string>{"o"});
+    ASSERT_TRUE(hostRead({s.write("deep.mod", "var x;\nminimize o: " + expr + ";\nend;\n"),
+                          ModelFormat::MathProg, "", {}}, inst));
+    EXPECT_EQ(hostItemNames(inst, true), std::vector<std::string>{"o"});
   }
 
   std::filesystem::path dir = s.dir;
@@ -139,17 +86,15 @@ TEST(HostLimits, CollidingNamesAreMadeDistinct) {
     HostInstance inst;
     std::string error;
     ASSERT_TRUE(readLimitsModel(c.format, c.name, "", inst, error)) << error;
-    EXPECT_EQ(rowNames(inst), c.rows);
+    EXPECT_EQ(hostItemNames(inst, true), c.rows);
   }
 }
 
 TEST(HostLimits, BoundsAtTheHostsInfinityAreInfinite) {
   HostScratch s;
   HostInstance inst;
-  std::string error;
-  ASSERT_TRUE(read(s, {"b.json", R"({"cols": [{"name": "x", "lower": -4e300, "upper": 3e300},
-    {"name": "y", "lower": -1e299, "upper": 1e299}]})"}, ModelFormat::Json, inst, error))
-      << error;
+  ASSERT_TRUE(hostRead({s.write("b.json", R"({"cols": [{"name": "x", "lower": -4e300, "upper": 3e300},
+    {"name": "y", "lower": -1e299, "upper": 1e299}]})"), ModelFormat::Json, "", {}}, inst));
   EXPECT_EQ(inst.colLower, (std::vector<double>{-kHostInf, -1e299}));
   EXPECT_EQ(inst.colUpper, (std::vector<double>{kHostInf, 1e299}));
 }
@@ -158,12 +103,10 @@ TEST(HostLimits, BoundsAtTheHostsInfinityAreInfinite) {
 TEST(HostLimits, SolveGoesOnWhereGlpkRefusesScaleFactors) {
   HostScratch s;
   HostInstance inst;
-  std::string error;
-  ASSERT_TRUE(read(s, {"sc.json", R"({"objVar": "z", "objRow": "obj", "rows": [
+  ASSERT_TRUE(hostRead({s.write("sc.json", R"({"objVar": "z", "objRow": "obj", "rows": [
     {"name": "r", "type": "G", "rhs": 1}, {"name": "obj", "type": "E"}], "cols": [
     {"name": "x", "entries": [["r", 1e300]]}, {"name": "y", "entries": [["r", 1e-300], ["obj", 1]]},
-    {"name": "z", "lower": "-inf", "entries": [["obj", -1]]}]})"}, ModelFormat::Json, inst, error))
-      << error;
+    {"name": "z", "lower": "-inf", "entries": [["obj", -1]]}]})"), ModelFormat::Json, "", {}}, inst));
   HostSolution solution;
   EXPECT_EQ(orvaSolveInstance(inst, OrvaSolveSettings{}, solution), "");
   EXPECT_EQ(solution.modelStat, kStatOptimal);

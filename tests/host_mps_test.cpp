@@ -6,49 +6,22 @@
 #include <sstream>
 
 #include "generator.h"
+#include "golden.h"
 #include "host/readers_internal.h"
 #include "host_test_files.h"
 
 namespace {
 
-// The first field in which two instances differ, or "".
-std::string firstDifference(const HostInstance& a, const HostInstance& b) {
-  std::ostringstream d;
-  auto same = [&](const char* what, const auto& x, const auto& y) {
-    if (x == y) return true;
-    d << what << " differs";
-    return false;
-  };
-  if (!same("rowCount", a.rowCount, b.rowCount) || !same("colCount", a.colCount, b.colCount) ||
-      !same("objRow", a.objRow, b.objRow) || !same("objVar", a.objVar, b.objVar) ||
-      !same("sense", a.minimizing, b.minimizing) || !same("row types", a.rowType, b.rowType) ||
-      !same("col types", a.colType, b.colType) || !same("col starts", a.colStart, b.colStart) ||
-      !same("entry rows", a.entryRow, b.entryRow))
-    return d.str();
-  for (int32_t i = 0; i < a.rowCount; ++i)
-    if (a.rowRhs[i] != b.rowRhs[i] || hostRowName(a, i) != hostRowName(b, i))
-      return "row " + hostRowName(a, i) + " / " + hostRowName(b, i);
-  for (int32_t j = 0; j < a.colCount; ++j)
-    if (a.colLower[j] != b.colLower[j] || a.colUpper[j] != b.colUpper[j] ||
-        hostColName(a, j) != hostColName(b, j))
-      return "col " + hostColName(a, j) + " [" + std::to_string(a.colLower[j]) + "," +
-             std::to_string(a.colUpper[j]) + "] / " + hostColName(b, j) + " [" +
-             std::to_string(b.colLower[j]) + "," + std::to_string(b.colUpper[j]) + "]";
-  if (!same("entry values", a.entryValue, b.entryValue)) return d.str();
-  if (a.symbols.size() != b.symbols.size()) return "symbol count differs";
-  for (std::size_t s = 0; s < a.symbols.size(); ++s)
-    if (a.symbols[s].name != b.symbols[s].name || a.symbols[s].dim != b.symbols[s].dim)
-      return "symbol " + a.symbols[s].name + " / " + b.symbols[s].name;
-  return "";
-}
-
+// Both readers give one instance: every field of the text rendering, and the columns' order.
 void expectEqualToGlpk(const std::string& path, ModelFormat format, const SymbolRule& rule) {
+  SCOPED_TRACE(path + " under " + symbolRuleName(rule));
   HostInstance ours, glpk;
   std::string error;
   ModelSource source{path, format, "", rule};
-  ASSERT_TRUE(readModel(source, ours, error)) << error;
+  ASSERT_TRUE(hostRead(source, ours));
   ASSERT_TRUE(readGlpkModel(source, glpk, error)) << error;
-  EXPECT_EQ(firstDifference(ours, glpk), "") << path << " under " << symbolRuleName(rule);
+  EXPECT_EQ(hostDescribe(ours), hostDescribe(glpk));
+  EXPECT_EQ(hostItemNames(ours, false), hostItemNames(glpk, false));
 }
 
 TEST(MpsReader, EqualsGlpkOnEveryBundledModel) {
@@ -81,22 +54,17 @@ TEST(MpsReader, DefaultRuleGroupsRealCodeNames) {
   };
   for (const Case& c : cases) {
     HostInstance in;
-    std::string error;
     SymbolRule rule;
     ASSERT_TRUE(parseSymbolRule(c.rule, rule));
-    ASSERT_TRUE(readModel(ModelSource{netlib + c.model + ".mps", ModelFormat::FixedMps, "", rule},
-                          in, error))
-        << error;
+    ASSERT_TRUE(hostRead({netlib + c.model + ".mps", ModelFormat::FixedMps, "", rule}, in));
     std::vector<std::string> names;
     for (const HostSymbol& sym : in.symbols) names.push_back(sym.name);
     EXPECT_EQ(names, c.symbols) << c.model;
   }
   HostInstance blend;
-  std::string error;
   SymbolRule trailing;
   ASSERT_TRUE(parseSymbolRule("trailing-digits", trailing));
-  ASSERT_TRUE(readModel(ModelSource{netlib + "blend.mps", ModelFormat::FixedMps, "", trailing},
-                        blend, error));
+  ASSERT_TRUE(hostRead({netlib + "blend.mps", ModelFormat::FixedMps, "", trailing}, blend));
   EXPECT_EQ(blend.symbols.size(), 1u + 74 + 83 + 1);
 }
 
@@ -118,15 +86,9 @@ TEST(MpsReader, EqualsGlpkOnGeneratedModels) {
   }
 }
 
-}  // namespace
-
-namespace {
-
 HostInstance readMps(const HostScratch& scratch, const std::string& text) {
   HostInstance in;
-  std::string error;
-  const std::string path = scratch.write("m.mps", text);
-  EXPECT_TRUE(readModel(ModelSource{path, ModelFormat::Mps, "", {}}, in, error)) << error;
+  EXPECT_TRUE(hostRead({scratch.write("m.mps", text), ModelFormat::Mps, "", {}}, in));
   return in;
 }
 
@@ -157,87 +119,49 @@ TEST(MpsReader, WhereItReadsOtherwiseThanGlpk) {
   EXPECT_FALSE(readMps(scratch, "NAME\nOBJSENSE MAX\nROWS\n N o\nCOLUMNS\nENDATA\n").minimizing);
 }
 
-// Names that would name two items: a file name keeps its name, a name the reader makes (the
-// halves of a ranged row, objvar) gives way, and of two names that are one item under the
-// symbol rule and the label cut the later gives way; "_" goes after the symbol until it is free.
+// Names that would name two items (tests/data/host/mps-names.cases): a file name keeps its
+// name, a name the reader makes (the halves of a ranged row, objvar) gives way, and of two names
+// that are one item under the symbol rule and the label cut the later gives way; "_" goes after
+// the symbol until it is free.
 TEST(MpsReader, CollidingNamesAreMadeDistinct) {
-  const std::string a64(64, 'a');
-  struct Case {
-    std::string rows, columns;  // ROWS and COLUMNS lines, without the objective row
-    const char* rule;
-    std::vector<std::string> rowNames, colNames;
-  };
-  const Case cases[] = {
-      {" G band\n L band_lo\n", " x band 1 band_lo 1\nRANGES\n R band 2\n", "auto",
-       {"obj", "band_lo_", "band_up", "band_lo"}, {"x", "objvar"}},
-      {" G band\n G band_lo\n", " x band 1 band_lo 1\nRANGES\n R band 2\n R band_lo 2\n",
-       "auto", {"obj", "band_lo", "band_up", "band_lo_lo", "band_lo_up"}, {"x", "objvar"}},
-      {" L x(a)\n L x('a')\n L x[\"a\"]\n", " y x(a) 1\n", "auto",
-       {"obj", "x(a)", "x_(a)", "x__(a)"}, {"y", "objvar"}},
-      {" L r(1)\n L r('1')\n L r_(1)\n", " y r(1) 1\n", "auto",
-       {"obj", "r(1)", "r__(1)", "r_(1)"}, {"y", "objvar"}},
-      {" L c(" + a64 + "x)\n L c(" + a64 + "y)\n", " y c(" + a64 + "x) 1\n", "auto",
-       {"obj", "c(" + a64 + ")", "c_(" + a64 + ")"}, {"y", "objvar"}},
-      {" L c\n", " objvar c 1\n x17 c 1\n x(17) c 1\n", "trailing-digits",
-       {"obj", "c"}, {"objvar", "x(17)", "x_(17)", "objvar_"}},
-  };
   HostScratch scratch;
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.rows + c.columns);
+  for (const FileCase& c : readCases("host/mps-names.cases")) {
+    SCOPED_TRACE(c.expected);
+    std::istringstream words(c.expected);
+    std::string word;
+    words >> word;
     SymbolRule rule;
-    ASSERT_TRUE(parseSymbolRule(c.rule, rule));
-    const std::string path = scratch.write(
-        "names.mps", "NAME\nROWS\n N obj\n" + c.rows + "COLUMNS\n" + c.columns + "ENDATA\n");
+    ASSERT_TRUE(parseSymbolRule(word, rule));
+    std::vector<std::string> names[2];
+    for (int side = 0; words >> word;) {
+      if (word == "/") ++side;
+      else names[side].push_back(word);
+    }
     HostInstance in;
-    std::string error;
-    ASSERT_TRUE(readModel(ModelSource{path, ModelFormat::Mps, "", rule}, in, error)) << error;
-    EXPECT_EQ(hostItemNames(in, true), c.rowNames);
-    EXPECT_EQ(hostItemNames(in, false), c.colNames);
+    ASSERT_TRUE(hostRead({scratch.write("names.mps", c.text), ModelFormat::Mps, "", rule}, in));
+    EXPECT_EQ(hostItemNames(in, true), names[0]);
+    EXPECT_EQ(hostItemNames(in, false), names[1]);
   }
 }
 
 TEST(MpsReader, FaultyFilesAreRefusedWithLineAndReason) {
   HostScratch scratch;
-  const std::string head = "NAME t\nROWS\n N obj\n L c1\nCOLUMNS\n";  // lines 1 to 5
-  struct Case {
-    std::string text;
-    const char* message;
-  };
-  const Case cases[] = {
-      {"ROWS\n N o\n", "1: the file does not begin with NAME"},
-      {"NAME\nROWS\n X c\n", "3: a row needs its type (N, L, G or E) and its name"},
-      {"NAME\nROWS\n L c\n G c\n", "4: row 'c' given twice"},
-      {"NAME\nROWS\n N o\nRHS\n", "4: section RHS out of place"},
-      {"NAME\nSIDES\n", "2: unknown section 'SIDES'"},
-      {head + " x c2 1\n", "6: row 'c2' is not in the ROWS section"},
-      {head + " x c1 1.5x\n", "6: cannot read '1.5x' as a number"},
-      {head + " x c1 1e400\n", "6: cannot read '1e400' as a number"},
-      {head + " x c1 nan\n", "6: cannot read 'nan' as a number"},
-      {head + " x c1 1 obj\n", "6: a column line needs the column, then one or two rows with their values"},
-      {head + " x c1 1\n y c1 1\n x obj 1\n", "8: column 'x' given in two places"},
-      {head + " x c1 1\n x c1 2\n", "7: column 'x' has row 'c1' twice"},
-      {head + " x c1 1\n", "7: the file ends without ENDATA"},
-      {head + " x c1 1\nBOUNDS\n XX B x 1\n", "8: unknown bound type 'XX'"},
-      {head + " x c1 1\nBOUNDS\n UP x\n", "8: a bound needs its type, the column and, for UP, a value"},
-      {head + " x c1 1\nBOUNDS\n UP B z 1\n", "8: column 'z' is not in the COLUMNS section"},
-      {head + " x c1 1\nBOUNDS\n UP B x 1\n FR B x\n", "9: column 'x' has two upper bounds"},
-      {head + " x c1 1\nRANGES\n R c1 1\n R c1 2\n", "9: row 'c1' has two ranges"},
-      {"NAME\nOBJSENSE\n UP\n", "3: unknown objective sense 'UP' (MIN or MAX)"},
-      {"NAME\nROWS\n N " + std::string(70000, 'x'), "3: a line longer than 65536 characters"},
-  };
-  for (const Case& c : cases) {
+  for (const FileCase& c : readCases("host/mps-refusals.cases")) {
     const std::string path = scratch.write("bad.mps", c.text);
     HostInstance in;
     std::string error;
     EXPECT_FALSE(readMpsModel(path, false, {}, in, error, nullptr)) << c.text;
-    EXPECT_EQ(error, path + ":" + c.message) << c.text;
+    EXPECT_EQ(error, path + c.expected) << c.text;
   }
+  const std::string longLine = scratch.write("bad.mps", "NAME\nROWS\n N " + std::string(70000, 'x'));
+  HostInstance in;
+  std::string error;
+  EXPECT_FALSE(readMpsModel(longLine, false, {}, in, error, nullptr));
+  EXPECT_EQ(error, longLine + ":3: a line longer than 65536 characters");
   // The fixed form keeps columns 62 to 72 blank.
   const std::string fixed = scratch.write(
       "bad_fixed.mps", "NAME\nROWS\n N  obj\nCOLUMNS\n    x         obj                1.0" +
                            std::string(30, ' ') + "zz\nENDATA\n");
-  HostInstance in;
-  std::string error;
   EXPECT_FALSE(readModel(ModelSource{fixed, ModelFormat::FixedMps, "", {}}, in, error));
   EXPECT_EQ(error, fixed + ":5: in fixed MPS positions 62 to 72 must be blank");
 }

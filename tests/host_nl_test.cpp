@@ -13,7 +13,9 @@
 #include "host/nl_evaluator.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
+#include "golden.h"
 #include "host_test_files.h"
+#include "orva_run.h"
 
 namespace fs = std::filesystem;
 
@@ -21,24 +23,9 @@ namespace {
 
 const std::string kBlend = std::string(SOURCE_DIR) + "/examples/nonlinear/blend";
 
-std::string fileText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-bool readNlFile(const std::string& path, HostInstance& inst, std::string& error) {
-  ModelSource source;
-  source.path = path;
-  source.format = ModelFormat::Nl;
-  return readModel(source, inst, error);
-}
-
 HostInstance readNl(const std::string& path) {
   HostInstance inst;
-  std::string error;
-  EXPECT_TRUE(readNlFile(path, inst, error)) << error;
+  EXPECT_TRUE(hostRead({path, ModelFormat::Nl, "", {}}, inst));
   return inst;
 }
 
@@ -55,6 +42,7 @@ std::vector<std::string> entryWalk(const HostInstance& inst, const std::vector<d
       if (row < 1) break;
       const auto k = static_cast<std::size_t>(out.size());
       std::ostringstream line;
+      line.precision(17);
       line << hostColName(inst, j - 1) << " " << hostRowName(inst, row - 1) << " "
            << (values ? (*values)[k] : value) << (nonlinear > 0 ? " nl" : "");
       out.push_back(line.str());
@@ -85,32 +73,17 @@ bool evaluateAt(ovmHandle model, const std::vector<double>& point, std::vector<d
 
 }  // namespace
 
-// blendb.nl is blend.nl in the binary form: the same model, read the same way.
+// blendb.nl is blend.nl in the binary form: the same model, read the same way. The file's point
+// is x[1] = 1, x[2] = 3 and y = 0 (not given). cost = x1^2 + x2^2 + 3y, band = x1 x2 + y in
+// [4, 8], curve = log(x1) + x2 >= 1, cap = x1 + x2 + y <= 10.
 TEST(NlModel, RowsColumnsAndDerivativesAtTheFilesPointWorkedOutByHand) {
-  const HostInstance text = readNl(kBlend + ".nl");
   for (const std::string form : {"", "b"}) {
-  SCOPED_TRACE(form);
-  const HostInstance inst = readNl(kBlend + form + ".nl");
-  // The file's point is x[1] = 1, x[2] = 3 and y = 0 (not given). cost = x1^2 + x2^2 + 3y,
-  // band = x1 x2 + y in [4, 8], curve = log(x1) + x2 >= 1, cap = x1 + x2 + y <= 10.
-  const std::vector<std::string> expected = {
-      "x(1) cost 2 nl", "x(1) band_lo 3 nl", "x(1) band_up 3 nl", "x(1) curve 1 nl",
-      "x(1) cap 1",     "x(2) cost 6 nl",    "x(2) band_lo 1 nl", "x(2) band_up 1 nl",
-      "x(2) curve 1",   "x(2) cap 1",        "y cost 3",          "y band_lo 1",
-      "y band_up 1",    "y cap 1",           "objvar cost -1"};
-  EXPECT_EQ(entryWalk(inst, nullptr), expected);
-  EXPECT_EQ(hostNonlinearCount(inst), 7);
-  EXPECT_EQ(inst.rowType, (std::vector<int32_t>{kRowE, kRowG, kRowL, kRowG, kRowL}));
-  EXPECT_EQ(inst.rowRhs, (std::vector<double>{0, 4, 8, 1, 10}));
-  EXPECT_EQ(inst.colLower, (std::vector<double>{0, 0, 0, -kHostInf}));
-  EXPECT_EQ(inst.colUpper, (std::vector<double>{kHostInf, kHostInf, 5, kHostInf}));
-  EXPECT_EQ(inst.objVar, 4);
-  EXPECT_EQ(inst.objRow, 1);
-  EXPECT_TRUE(inst.minimizing);
-  EXPECT_EQ(inst.rowNlItem, (std::vector<int32_t>{-1, 0, 0, 1, 2}));
-  EXPECT_EQ(inst.entryRow, text.entryRow);
-  EXPECT_EQ(inst.entryValue, text.entryValue);
-  EXPECT_EQ(inst.entryNonlinear, text.entryNonlinear);
+    SCOPED_TRACE(form);
+    const HostInstance inst = readNl(kBlend + form + ".nl");
+    EXPECT_TRUE(matchesGolden(entryWalk(inst, nullptr), "host/blend-file-point.entries"));
+    EXPECT_TRUE(matchesGolden(splitLines(hostDescribe(inst)), "host/blend.instance"));
+    EXPECT_EQ(hostNonlinearCount(inst), 7);
+    EXPECT_EQ(inst.rowNlItem, (std::vector<int32_t>{-1, 0, 0, 1, 2}));
   }
 }
 
@@ -119,7 +92,7 @@ TEST(NlModel, RowsColumnsAndDerivativesAtTheFilesPointWorkedOutByHand) {
 // first bound code at 612), J0 at 696 (its first pair at 705, the third at 729), and after G0 a
 // suffix segment at 864, S, kind 0, count 2, the name's length 7 at 873, the name at 877.
 TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
-  const std::string bytes = fileText(kBlend + "b.nl");
+  const std::string bytes = readFile(kBlend + "b.nl");
   ASSERT_EQ(bytes.size(), 900u);
   const struct {
     std::size_t at;
@@ -144,7 +117,8 @@ TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
   for (std::size_t cut = 1; cut < bytes.size(); ++cut) {
     HostInstance inst;
     std::string error;
-    EXPECT_EQ(readNlFile(cuts.write("m.nl", bytes.substr(0, cut)), inst, error), cut == 864) << cut;
+    const std::string path = cuts.write("m.nl", bytes.substr(0, cut));
+    EXPECT_EQ(readModel({path, ModelFormat::Nl, "", {}}, inst, error), cut == 864) << cut;
   }
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
@@ -155,31 +129,27 @@ TEST(NlModel, FaultsOfTheBinaryFormAreToldWithByteAndReason) {
     const std::string path = scratch.write("m.nl", text);
     HostInstance inst;
     std::string error;
-    EXPECT_FALSE(readNlFile(path, inst, error));
+    EXPECT_FALSE(readModel({path, ModelFormat::Nl, "", {}}, inst, error));
     EXPECT_EQ(error, path + ": byte " + c.message);
   }
 }
 
 TEST(NlModel, WithoutRowAndColFilesNamesFollowTheFilesGroups) {
   HostScratch scratch;
-  const std::string path = scratch.write("blend.nl", fileText(kBlend + ".nl"));
-  const HostInstance inst = readNl(path);
-  std::vector<std::string> rows, cols;
-  for (int32_t i = 0; i < inst.rowCount; ++i) rows.push_back(hostRowName(inst, i));
-  for (int32_t j = 0; j < inst.colCount; ++j) cols.push_back(hostColName(inst, j));
+  const HostInstance inst = readNl(scratch.write("blend.nl", readFile(kBlend + ".nl")));
   // Nonlinear constraints nc, linear c, objectives o; nonlinear variables nv, linear v.
-  EXPECT_EQ(rows, (std::vector<std::string>{"o(1)", "nc_lo(1)", "nc_up(1)", "nc(2)", "c(3)"}));
-  EXPECT_EQ(cols, (std::vector<std::string>{"nv(1)", "nv(2)", "v(3)", "objvar"}));
+  EXPECT_EQ(hostItemNames(inst, true),
+            (std::vector<std::string>{"o(1)", "nc_lo(1)", "nc_up(1)", "nc(2)", "c(3)"}));
+  EXPECT_EQ(hostItemNames(inst, false), (std::vector<std::string>{"nv(1)", "nv(2)", "v(3)", "objvar"}));
 }
 
 TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
   // orva hands the model and the solution over; the evaluator reads the copy of the .nl file
   // in the scratch folder.
   HostScratch scratch;
-  const std::string command = std::string(ORVA_BIN) + " " + kBlend + ".nl --solution " + kBlend +
-                              ".sol --no-solve --keep-scratch " + scratch.path("run") +
-                              " --listing " + scratch.path("blend.lst") + " >/dev/null 2>&1";
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  const RunResult r = runOrva(scratch.dir, {kBlend + ".nl", "--solution", kBlend + ".sol", "--no-solve",
+                                            "--keep-scratch", scratch.path("run")});
+  ASSERT_EQ(r.status, 0) << r.err;
   HostInstance inst;
   std::string error;
   ASSERT_TRUE(loadInstanceFile(scratch.path("run/orvainst.scr"), inst, error)) << error;
@@ -198,12 +168,7 @@ TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
   ovmHandle model = ovmCreateFromInstance(inst);
   std::vector<double> values;
   ASSERT_TRUE(evaluateAt(model, inst.colLevel, values));
-  const std::vector<std::string> expected = {
-      "x(1) cost 4 nl", "x(1) band_lo 2 nl", "x(1) band_up 2 nl", "x(1) curve 0.5 nl",
-      "x(1) cap 1",     "x(2) cost 4 nl",    "x(2) band_lo 2 nl", "x(2) band_up 2 nl",
-      "x(2) curve 1",   "x(2) cap 1",        "y cost 3",          "y band_lo 1",
-      "y band_up 1",    "y cap 1",           "objvar cost -1"};
-  EXPECT_EQ(entryWalk(inst, &values), expected);
+  EXPECT_TRUE(matchesGolden(entryWalk(inst, &values), "host/blend-solution.entries"));
 
   // log(x[1]) at x[1] = -1: the row fails, and the library prints nothing.
   testing::internal::CaptureStdout();
@@ -223,35 +188,12 @@ TEST(NlModel, SolutionFromSolFileAndDerivativesThereWorkedOutByHand) {
 
 TEST(NlModel, BlocklistOfTheBundledModelCountsNonlinearEntriesAtTheFilesPoint) {
   HostScratch scratch;
-  const std::string listing = scratch.path("blend.lst");
-  const std::string command = "cd " + scratch.dir.string() + " && " + ORVA_BIN + " " + kBlend +
-                              ".nl --solution " + kBlend + ".sol --listing " + listing +
-                              " >/dev/null 2>&1";
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  std::vector<std::string> lines;
-  std::istringstream in(fileText(listing));
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  const RunResult r = runOrva(scratch.dir, {kBlend + ".nl", "--solution", kBlend + ".sol"});
+  ASSERT_EQ(r.status, 0) << r.err;
   // The derivatives at x = (1, 3, 0): cost (2, 6, 3, -1), band (3, 1, 1), curve (1, 1).
-  const std::vector<std::vector<std::string>> blocks = {
-      {" Variable         Sign  Numb Numb Pos  Neg  Nonl  Maximum    Minimum",
-       "   Block          Res   Vars Nonl Coef Coef Coef  Absolute   Absolute",
-       " x                >=0     2    2   10    0    7       3.0000     1.0000",
-       " y                >=0     1    0    4    0    0       1.0000     1.0000",
-       " objvar           <0>     1    0    0    1    0       0.0000     0.0000"},
-      {" Equation         Type  Numb Numb Pos  Neg  Nonl Pos  Neg  Maximum    Minimum",
-       "   Block          Res   Eqns Nonl Coef Coef Coef RHS  RHS  Absolute   Absolute",
-       " cost             =E=     1    1    3    1    2    0    0      6.0000     2.0000",
-       " band_lo          =G=     1    1    3    0    2    1    0      3.0000     1.0000",
-       " band_up          =L=     1    1    3    0    2    1    0      3.0000     1.0000",
-       " curve            =G=     1    1    2    0    1    1    0      1.0000     1.0000",
-       " cap              =L=     1    0    3    0    0    1    0      1.0000     1.0000"}};
-  for (const auto& block : blocks) {
-    const auto head = std::find(lines.begin(), lines.end(), block[0]);
-    ASSERT_NE(head, lines.end()) << block[0];
-    const auto size = std::min<std::ptrdiff_t>(lines.end() - head, std::ssize(block));
-    const std::vector<std::string> found(head, head + size);
-    EXPECT_EQ(found, block);
-  }
+  const std::vector<std::string> lines = readLines(scratch.path("blend.lst"));
+  EXPECT_TRUE(containsGolden(lines, "orva/blend-variable-blocks.part"));
+  EXPECT_TRUE(containsGolden(lines, "orva/blend-equation-blocks.part"));
 }
 
 TEST(NlModel, EvaluatorAgreesWithFiniteDifferencesOnEveryBundledModel) {
@@ -298,81 +240,42 @@ TEST(NlModel, EvaluatorAgreesWithFiniteDifferencesOnEveryBundledModel) {
   EXPECT_GT(derivatives, 4 * models);
 }
 
+// The cases of tests/data/host/nl-refusals.cases, and a name with a control character.
 TEST(NlModel, FaultsOfNlRowColAndSolFilesAreToldWithFileLineAndReason) {
-  // Each case changes the bundled model's files: line L of the .nl replaced (or the file cut
-  // after line L when the text is "cut"), or a .row, .col or .sol file of its own.
-  struct Case {
-    const char* what;
-    int line;
-    std::string text;
-    std::string file;  // "nl", "row", "col" or "sol"
-    std::string message;  // after "DIR/m."
-  };
-  const std::vector<Case> cases = {
-      {"no .nl file", 1, "NAME blend", "nl",
-       "nl:1: not an AMPL .nl file (its first line begins with g, or b in the binary form)"},
-      {"header with words", 2, " three 3 1 1 0", "nl",
-       "nl:2: expected the counts of variables, constraints, objectives, ranges and equations"},
-      {"unknown operator", 16, "o79", "nl", "nl:16: operator o79 is not read by this host"},
-      {"variable past the last", 17, "v9", "nl",
-       "nl:17: variable v9 is neither a variable nor defined before"},
-      {"bound code", 33, "7 1", "nl", "nl:33: expected a bound code from 0 to 4 and its values"},
-      {"cut inside a segment", 50, "cut", "nl",
-       "nl:50: the file ends before the end of the segment that begins on line 49"},
-      {"cut between segments", 45, "cut", "nl",
-       "nl: the header gives 8 Jacobian and 3 gradient entries, the file 3 and 0 (is it cut "
-       "short?)"},
-      {"too few row names", 0, "band\ncurve\n", "row", "row: 2 names, the model needs 3 or 4"},
-      {"too many column names", 0, "a\nb\nc\nd\n", "col", "col: 4 names, the model needs 3"},
-      {"a name with a blank", 0, "x[1]\nx 2\ny\n", "col", "col:2: a name with a blank in it"},
-      {"a control character", 0, "x[1]\nx\x01\ny\n", "col",
-       "col:2: the name \"x\\x01\" holds a control character (code 1)"},
-      {"solution of a model with 4 constraints", 0,
-       "msg\n\nOptions\n3\n1\n1\n0\n4\n4\n3\n3\n", "sol",
-       "sol:8: the solution has 4 constraints, the model 3"},
-      {"solution of a model with 4 variables", 0,
-       "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n4\n4\n", "sol",
-       "sol:10: the solution has 4 variables, the model 3"},
-      {"solution cut short", 0, "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n3\n3\n2\n0\n0\n2\n2\n0\n",
-       "sol", "sol: the file ends before the line \"objno\" with the solve result code"},
-      {"a word among the values", 0, "msg\n\nOptions\n3\n1\n1\n0\n3\n3\n3\n3\n2\nzero\n", "sol",
-       "sol:13: expected a dual value, not \"zero\""},
-  };
-  const std::string nl = fileText(kBlend + ".nl");
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
+  std::vector<FileCase> cases = readCases("host/nl-refusals.cases");
+  cases.push_back({"col:2: the name \"x\\x01\" holds a control character (code 1)", "x[1]\nx\x01\ny\n"});
+  const std::vector<std::string> nl = readLines(kBlend + ".nl");
+  for (const FileCase& c : cases) {
+    SCOPED_TRACE(c.expected);
     HostScratch scratch;
+    const std::string file = c.expected.substr(0, c.expected.find(':'));
     std::string text;
-    if (c.file == "nl") {
-      std::istringstream in(nl);
-      int n = 0;
-      for (std::string line; std::getline(in, line);) {
-        if (++n == c.line) {
-          if (c.text == "cut") {
-            text += line + "\n";
-            break;
-          }
-          line = c.text;
-        }
-        text += line + "\n";
+    if (file == "nl") {
+      // "LINE TEXT": line LINE replaced by TEXT, or the file cut after it when TEXT is "cut".
+      const std::size_t blank = c.text.find(' ');
+      const std::size_t line = std::stoul(c.text.substr(0, blank));
+      const std::string replacement = c.text.substr(blank + 1, c.text.size() - blank - 2);
+      for (std::size_t n = 1; n <= nl.size(); ++n) {
+        text += (n == line && replacement != "cut" ? replacement : nl[n - 1]) + "\n";
+        if (n == line && replacement == "cut") break;
       }
     } else {
-      text = nl;
-      scratch.write("m." + c.file, c.text);
-      if (c.file == "sol") scratch.write("m.col", fileText(kBlend + ".col"));
+      text = readFile(kBlend + ".nl");
+      scratch.write("m." + file, c.text);
+      if (file == "sol") scratch.write("m.col", readFile(kBlend + ".col"));
     }
     const std::string path = scratch.write("m.nl", text);
     HostInstance inst;
     std::string error;
-    const bool read = readNlFile(path, inst, error);
-    if (c.file == "sol") {
+    const bool read = readModel({path, ModelFormat::Nl, "", {}}, inst, error);
+    if (file == "sol") {
       ASSERT_TRUE(read) << error;
       HostSolution solution;
       EXPECT_FALSE(readNlSolutionFile(scratch.path("m.sol"), inst, solution, error));
     } else {
       EXPECT_FALSE(read);
     }
-    EXPECT_EQ(error, scratch.path("m.") + c.message);
+    EXPECT_EQ(error, scratch.path("m.") + c.expected);
   }
 }
 

@@ -1,9 +1,6 @@
 // The host's model, environment, dictionary and audit objects; control and solution files.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "host/control_file.h"
 #include "host/host.h"
 #include "host/readers.h"
@@ -15,9 +12,7 @@ namespace {
 
 HostInstance threeByFour() {
   HostInstance in;
-  std::string error;
-  EXPECT_TRUE(readModel({hostTestData("three-by-four.json"), ModelFormat::Json, "", {}}, in, error))
-      << error;
+  EXPECT_TRUE(hostReadTestModel("three-by-four.json", in));
   return in;
 }
 
@@ -132,15 +127,8 @@ TEST(HostControlFile, EntriesAndRefusals) {
   HostScratch scratch;
   HostOptions options;
   std::string error;
-  const std::string good = scratch.write("good.ctl",
-                                         "* written by orva\n"
-                                         "NameStaFile = /tmp/x.sta\n"
-                                         "\n"
-                                         "pagewidth=  130 \n"
-                                         "NameWrkDir =\n"
-                                         "ModelFormat = fixed-mps\n"
-                                         "ScaleSource = auto\n");
-  ASSERT_TRUE(readHostControlFile(good, options, error)) << error;
+  // A comment, a blank line, a key in lower case with blanks around the value, an empty value.
+  ASSERT_TRUE(readHostControlFile(hostTestData("good.ctl"), options, error)) << error;
   ASSERT_EQ(options.size(), 5u);
   EXPECT_EQ(options[0], (std::pair<std::string, std::string>{"NameStaFile", "/tmp/x.sta"}));
   EXPECT_EQ(options[1], (std::pair<std::string, std::string>{"PageWidth", "130"}));
@@ -181,51 +169,45 @@ TEST(HostControlFile, WrittenFileReadsBack) {
   EXPECT_FALSE(writeHostControlFile(path, {{kOptInputName, "a\nb"}}, error));
 }
 
-// A run as modrake starts it: environment from a control file, model and dictionary loaded.
-TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
+// The environment, model and dictionary objects of a run, freed at the end of the test.
+struct HostLoad : ::testing::Test {
   HostScratch scratch;
-  const std::string dir = scratch.dir.string() + "/";
-  HostInstance model;
-  std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, model,
-                        error));
-  // A solution file for the model: every row and column, names checked.
-  HostSolution solution;
-  solution.modelStat = kStatIntegerSolution;
-  solution.rowLevel.assign(9, 1.25);
-  solution.rowMarginal.assign(9, -0.5);
-  solution.rowStat.assign(9, 2);
-  solution.rowCStat.assign(9, 0);
-  solution.colLevel.assign(8, 0.1);
-  solution.colMarginal.assign(8, 0.0);
-  solution.colStat.assign(8, 3);
-  solution.colCStat.assign(8, 1);
-  solution.colLevel[7] = 1.0 / 3.0;
-  ASSERT_TRUE(writeSolutionFile(dir + "small.sol", model, solution, error)) << error;
+  oveHandle env = nullptr;
+  ovmHandle m = nullptr;
+  ovdHandle d = nullptr;
+  std::string message;
+  void SetUp() override {
+    ASSERT_TRUE(oveXCreate(env, message));
+    ASSERT_TRUE(ovmXCreate(m, message));
+    ASSERT_TRUE(ovdXCreate(d, message));
+  }
+  void TearDown() override {
+    ovdFree(d);
+    ovmFree(m);
+    oveFree(env);
+  }
+};
 
+// A run as modrake starts it: environment from a control file, model and dictionary loaded,
+// and the solution of small-integer.sol, whose names are checked against the model's.
+TEST_F(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
+  const std::string dir = scratch.dir.string() + "/";
   const std::string control = scratch.write(
       "run.ctl", "NameStaFile = " + dir + "small.sta\nNameScrDir = " + dir +
                      "\nNameScrExt = scr\nPageWidth = 90\nModelFile = " +
-                     hostTestData("small.json") + "\nInputName = plan\nSolutionFile = " + dir +
-                     "small.sol\n");
-  oveHandle env = nullptr;
-  ovmHandle m = nullptr;
-  std::string message;
-  ASSERT_TRUE(oveXCreate(env, message));
+                     hostTestData("small.json") + "\nInputName = plan\nSolutionFile = " +
+                     hostTestData("small-integer.sol") + "\n");
   ASSERT_EQ(oveInitEnvironmentLegacy(env, control), 0) << oveLastError(env);
   EXPECT_EQ(oveGetIntOpt(env, "PageWidth"), 90);
   EXPECT_EQ(oveGetIntOpt(env, "PageSize"), 0);
   EXPECT_EQ(oveGetStrOpt(env, "NameScrExt"), "scr");
   EXPECT_EQ(oveGetStrOpt(env, "NameWrkDir"), "");
-  ASSERT_TRUE(ovmXCreate(m, message));
   ASSERT_EQ(ovmRegisterEnvironment(m, env, message), 0);
   ASSERT_EQ(ovmLoadDataLegacy(m, message), 0) << message;
   ovmIndexBaseSet(m, 1);
   EXPECT_EQ(ovmM(m), 9);
   EXPECT_EQ(ovmNameInput(m), "plan");
 
-  ovdHandle d = nullptr;
-  ASSERT_TRUE(ovdXCreate(d, message));
   ASSERT_EQ(ovdLoadEx(d, ovmNameDict(m), message), 0) << message;
   EXPECT_EQ(ovdNLSyms(d), 12);
   int32_t symbol = 0, dim = 0, uels[10];
@@ -237,7 +219,7 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   EXPECT_EQ(ovmGetVarLOne(m, 8), 0.0);
   ASSERT_EQ(ovmLoadSolutionLegacy(m), 0);
   EXPECT_EQ(ovmModelStat(m), kStatIntegerSolution);
-  EXPECT_EQ(ovmSolveStat(m), 1);
+  EXPECT_EQ(ovmSolveStat(m), 3);
   EXPECT_EQ(ovmGetVarLOne(m, 8), 1.0 / 3.0);
   EXPECT_EQ(ovmGetVarStatOne(m, 8), 3);
   EXPECT_EQ(ovmGetVarCStatOne(m, 1), 1);
@@ -249,18 +231,9 @@ TEST(HostLoad, ModelDictionaryStatusAndSolutionThroughTheControlFile) {
   ovmModelStatSet(m, 14);
   EXPECT_EQ(readFile(dir + "ovmstat.scr"), "solveStat 1\nmodelStat 14\n");
   EXPECT_EQ(ovmModelStat(m), 14);
-  ovdFree(d);
-  ovmFree(m);
-  oveFree(env);
 }
 
-TEST(HostLoad, FailuresGiveAMessage) {
-  HostScratch scratch;
-  oveHandle env = nullptr;
-  ovmHandle m = nullptr;
-  std::string message;
-  ASSERT_TRUE(oveXCreate(env, message));
-  ASSERT_TRUE(ovmXCreate(m, message));
+TEST_F(HostLoad, FailuresGiveAMessage) {
   EXPECT_NE(ovmLoadDataLegacy(m, message), 0);
   EXPECT_EQ(message, "the model object has no environment");
   ASSERT_EQ(ovmRegisterEnvironment(m, env, message), 0);
@@ -278,22 +251,17 @@ TEST(HostLoad, FailuresGiveAMessage) {
   ASSERT_EQ(ovmLoadDataLegacy(m, message), 0) << message;
   EXPECT_NE(ovmLoadSolutionLegacy(m), 0);
   // A dictionary name nobody loaded is read from the file it names.
-  ovdHandle d = nullptr;
-  ASSERT_TRUE(ovdXCreate(d, message));
   ASSERT_EQ(ovdLoadEx(d, hostTestData("small.mps"), message), 0) << message;
   EXPECT_EQ(ovdNLSyms(d), 12);
   EXPECT_NE(ovdLoadEx(d, scratch.path("nothing"), message), 0);
   EXPECT_EQ(message, scratch.path("nothing") + ": no dictionary of that name");
-  ovdFree(d);
-  ovmFree(m);
-  oveFree(env);
 }
 
 TEST(HostSolutionFile, RefusalsNameFileAndLine) {
   HostScratch scratch;
   HostInstance in;
+  ASSERT_TRUE(hostReadTestModel("small.json", in));
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.json"), ModelFormat::Json, "", {}}, in, error));
   HostSolution solution;
   std::string ok = "* hand made\nmodelStat 1\nrows 9\ncols 8\n";
   for (int i = 1; i <= 9; ++i) ok += "row " + std::to_string(i) + " 0 0 2 0\n";
@@ -312,8 +280,8 @@ TEST(HostSolutionFile, RefusalsNameFileAndLine) {
 TEST(HostSolutionFile, WrittenSolutionReadsBackExactly) {
   HostScratch scratch;
   HostInstance in;
+  ASSERT_TRUE(hostReadTestModel("small.mod", in));
   std::string error;
-  ASSERT_TRUE(readModel(ModelSource{hostTestData("small.mod"), ModelFormat::MathProg, "", {}}, in, error));
   HostSolution out;
   out.modelStat = kStatOptimal;
   out.solveStat = 1;

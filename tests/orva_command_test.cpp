@@ -2,13 +2,12 @@
 // names the file and line before modrake starts; good input gives a listing.
 #include <glpk.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -25,68 +24,17 @@ const std::string kSource = SOURCE_DIR;
 const std::string kData = kSource + "/tests/data/orva/";
 const std::string kTransport = kSource + "/examples/transport/transport.mod";
 
+// The cases of tests/data/orva/bad-input.cases: the arguments, one a line, and the first line
+// of standard error.
 TEST(OrvaCommandBadInput, EachStopsWithFileLineAndReason) {
-  struct Case {
-    const char* what;
-    std::vector<std::string> args;
-    std::string message;  // the first line of standard error
-  };
-  const std::vector<Case> cases = {
-      {"MathProg syntax error", {kData + "syntax_error.mod"},
-       "orva: " + kData + "syntax_error.mod:6: "},
-      {"unknown option keyword", {kTransport, "--options", kData + "unknown_keyword.opt"},
-       "orva: " + kData + "unknown_keyword.opt:5: unknown option keyword \"BLOCKSIZE\""},
-      {"option value out of range", {kTransport, "--options", kData + "out_of_range.opt"},
-       "orva: " + kData + "out_of_range.opt:2: the value 123456 of VARREQUESTS lies outside "
-       "-9999 to 99999"},
-      {"option value not a number", {kTransport, "--options", kData + "not_a_number.opt"},
-       "orva: " + kData + "not_a_number.opt:1: the value \"six\" of LARGEMARGINAL is not a "
-       "whole number"},
-      {"missing option file", {kTransport, "--options", kData + "none.opt"},
-       "orva: " + kData + "none.opt: cannot read the option file"},
-      {"missing data file", {kData + "needs_data.mod", "--data", kData + "none.dat"},
-       "orva: " + kData + "none.dat: no such data file"},
-      {"missing model file", {kData + "none.mod"}, "orva: " + kData + "none.mod: no such model file"},
-      {"native instance of a wrong type", {kData + "bad_types.json"},
-       "orva: " + kData + "bad_types.json:5: "},
-      {"entry in a row that does not exist", {kData + "bad_entry_row.json"},
-       "orva: " + kData + "bad_entry_row.json:9: "},
-      {"negative count", {kData + "negative_count.json"},
-       "orva: " + kData + "negative_count.json:3: "},
-      {"malformed solution", {kTransport, "--solution", kData + "transport_bad.sol"},
-       "orva: " + kData + "transport_bad.sol:6: "},
-      {"missing solution", {kTransport, "--solution", kData + "none.sol"},
-       "orva: " + kData + "none.sol: no such solution file"},
-      {"missing request file", {kTransport, "--requests", kData + "none.mrk"},
-       "orva: " + kData + "none.mrk: no such request file"},
-      {"missing nonlinear model", {kData + "model.nl"},
-       "orva: " + kData + "model.nl: no such model file"},
-      {"solution of another nonlinear model",
-       {kSource + "/examples/nonlinear/blend.nl", "--solution", kData + "other_model.sol"},
-       "orva: " + kData + "other_model.sol:8: the solution has 2 constraints, the model 3"},
-      {"unknown extension", {kData + "model.txt"}, "orva: " + kData + "model.txt: cannot tell the format"},
-      {"unknown format word", {kTransport, "--format", "ampl"}, "orva: --format ampl: unknown format"},
-      {"unknown command-line option", {kTransport, "--verbose"}, "orva: unknown option --verbose"},
-      {"option without its value", {kTransport, "--listing"}, "orva: --listing needs a value"},
-      {"page width out of range", {kTransport, "--page-width", "20"},
-       "orva: --page-width 20: the page width is a whole number from 50 to 254"},
-      {"time limit not a number", {kTransport, "--time-limit", "soon"},
-       "orva: --time-limit soon: the time limit is a number of seconds above 0"},
-      {"scale source", {kTransport, "--scale", "geometric"},
-       "orva: --scale geometric: the only scale source is auto"},
-      {"unknown symbol rule", {kTransport, "--symbols", "first:0"},
-       "orva: --symbols first:0: the rules are auto, scalar, trailing-digits, before-digit and "
-       "first:N (N from 1 to 63)"},
-      {"solve and no-solve", {kTransport, "--solve", "--no-solve"},
-       "orva: --solve and --no-solve exclude each other"},
-      {"no model", {"--no-solve"}, "orva: no model given"},
-  };
+  const std::map<std::string, std::string> vars = {{"DATA", kData}, {"SOURCE", kSource}};
   const fs::path dir = freshDir("bad");
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    RunResult r = runOrva(dir, c.args);
+  for (const FileCase& c : readCases("orva/bad-input.cases")) {
+    const std::string message = substitute(c.expected, vars);
+    SCOPED_TRACE(message);
+    RunResult r = runOrva(dir, splitLines(substitute(c.text, vars)));
     EXPECT_EQ(r.status, 2);
-    EXPECT_EQ(r.err.rfind(c.message, 0), 0u) << r.err;
+    EXPECT_EQ(r.err.rfind(message, 0), 0u) << r.err;
     // Nothing reached modrake: no listing, no log.
     EXPECT_FALSE(fs::exists(dir / "transport.lst"));
     EXPECT_EQ(r.out, "");
@@ -144,15 +92,10 @@ TEST(OrvaCommandRun, TransportDemoListing) {
   for (const std::string& line : listing) {
     EXPECT_NE(line.rfind("=", 0), 0u) << line;
   }
-  int titles = 0;
-  for (size_t k = 0; k + 1 < listing.size(); ++k) {
-    if (listing[k] == " #### MODRAKE ANALYSIS" || listing[k] == " #### MODRAKE BLOCKPIC" ||
-        listing[k] == " #### MODRAKE BLOCKLIST") {
-      ++titles;
-      EXPECT_EQ(listing[k + 1], " " + std::string(listing[k].size() - 1, '='));
-    }
+  for (const std::string title : {"ANALYSIS", "BLOCKPIC", "BLOCKLIST"}) {
+    EXPECT_EQ(std::count(listing.begin(), listing.end(), " #### MODRAKE " + title), 1) << title;
+    EXPECT_TRUE(containsGolden(listing, "orva/title-" + title + ".part"));
   }
-  EXPECT_EQ(titles, 3);
   EXPECT_EQ(listing[listing.size() - 2], " Solve status     1  normal completion");
   EXPECT_EQ(listing[listing.size() - 1], " Model status    14  no solution returned");
   // The echoed comment of the request file and the log on standard output.
@@ -228,15 +171,11 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   std::ofstream(dir / "mine.mrk") << "# from elsewhere\nblokpic\nPOSTOPT\nVARIABLES\nx\n";
   const fs::path tmp = dir / "tmp";
   fs::create_directories(tmp);
-  const std::string cmdEnv = "TMPDIR=" + tmp.string();
-  // TMPDIR reaches orva through the environment of the shell line.
-  std::string cmd = "cd " + quote(dir.string()) + " && " + cmdEnv + " " + quote(ORVA_BIN) + " " +
-                    quote(kData + "small.json") + " --no-solve --requests mine.mrk >run.out 2>run.err";
-  int raw = std::system(cmd.c_str());
-  ASSERT_TRUE(WIFEXITED(raw));
-  EXPECT_EQ(WEXITSTATUS(raw), 0) << readFile(dir / "run.err");
+  const RunResult r =
+      runOrva(dir, {kData + "small.json", "--no-solve", "--requests", "mine.mrk"}, "TMPDIR=" + tmp.string());
+  EXPECT_EQ(r.status, 0) << r.err;
   // No solve; a line that modrake cannot match is told first, and the run goes on.
-  EXPECT_EQ(readFile(dir / "run.err"),
+  EXPECT_EQ(r.err,
             "orva: mine.mrk:2: warning: \"blokpic\" is no keyword; did you mean BLOCKPIC?\n"
             "orva: listing written to small.lst\n");
   const std::string listing = readFile(dir / "small.lst");
@@ -246,21 +185,29 @@ TEST(OrvaCommandRun, NoSolveAndRequestsFromElsewhere) {
   fs::remove_all(dir);
 }
 
+// Runs orva with `args`, its scratch folder kept: the run ends well, nothing is solved, record 1
+// is `record1`, and the control file names no solution or model file, both travelling inside
+// the instance handed over. Gives the scratch folder.
+fs::path runHandedOver(const fs::path& dir, std::vector<std::string> args, const std::string& record1) {
+  const fs::path scratch = dir / "kept";
+  fs::remove_all(scratch);
+  args.insert(args.end(), {"--keep-scratch", scratch.string()});
+  const RunResult r = runOrva(dir, args);
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
+  EXPECT_EQ(readLines(scratch / "modrake.scr").at(0).substr(30), record1);
+  for (const std::string& line : readLines(scratch / "orva.ctl")) {
+    EXPECT_FALSE(line.starts_with("SolutionFile")) << line;
+    EXPECT_FALSE(line.starts_with("ModelFile")) << line;
+  }
+  return scratch;
+}
+
 // A solution the user has is checked, handed over as it is, and its statuses close the listing.
 TEST(OrvaCommandRun, UserSolutionHandedOver) {
   const fs::path dir = freshDir("usersol");
-  const fs::path scratch = dir / "kept";
-  RunResult r = runOrva(dir, {kData + "small.json", "--solution", kData + "small-feasible.sol",
-                              "--keep-scratch", scratch.string()});
-  ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
-  EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), "T");
-  const std::vector<std::string> control = readLines(scratch / "orva.ctl");
-  // The solution is handed over inside the instance, not as a file of its own.
-  for (const std::string& line : control) {
-    EXPECT_NE(line.rfind("SolutionFile", 0), 0u) << line;
-    EXPECT_NE(line.rfind("ModelFile", 0), 0u) << line;
-  }
+  const fs::path scratch =
+      runHandedOver(dir, {kData + "small.json", "--solution", kData + "small-feasible.sol"}, "T");
   HostInstance handed;
   std::string error;
   ASSERT_TRUE(loadInstanceFile(scratch.string() + "/orvainst.scr", handed, error)) << error;
@@ -279,9 +226,8 @@ TEST(OrvaCommandRun, UserSolutionHandedOver) {
 TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
   const fs::path dir = freshDir("native");
   std::string text = readFile(kData + "small.json");
-  const std::string withSolution = std::string(text).insert(
+  std::ofstream(dir / "own.json") << std::string(text).insert(
       text.find("\"rows\""), "\"modelStat\": 7, \"solveStat\": 3,\n  ");
-  std::ofstream(dir / "own.json") << withSolution;
   std::ofstream(dir / "own.mrk") << "POSTOPT\n";
   std::ofstream(dir / "none.json") << std::string(text).insert(text.find("\"rows\""),
                                                                "\"modelStat\": 14,\n  ");
@@ -294,20 +240,11 @@ TEST(OrvaCommandRun, NativeInstanceCarriesItsSolution) {
                {"none.json", "F", " Model status    14  no solution returned"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.model);
-    const fs::path scratch = dir / "kept";
-    RunResult r = runOrva(dir, {c.model, "--keep-scratch", scratch.string()});
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.err.find("GLPK"), std::string::npos);
-    EXPECT_EQ(readLines(scratch / "modrake.scr")[0].substr(30), c.record1);
-    const std::vector<std::string> control = readLines(scratch / "orva.ctl");
-    EXPECT_EQ(std::count_if(control.begin(), control.end(),
-                            [](const std::string& l) { return l.starts_with("SolutionFile"); }),
-              0);
+    runHandedOver(dir, {c.model}, c.record1);
     const std::vector<std::string> listing =
         readLines(dir / (fs::path(c.model).stem().string() + ".lst"));
     ASSERT_GE(listing.size(), 1u);
     EXPECT_EQ(listing.back(), c.modelStatus);
-    fs::remove_all(scratch);
   }
   fs::remove_all(dir);
 }

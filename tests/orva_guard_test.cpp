@@ -30,43 +30,18 @@ TEST(OrvaGuard, RefusedBeforeModrakeStarts) {
   fs::create_directories(dir / "stale" / "ovmstat.scr");
   fs::create_directories(dir / "w" / "w.mrk");
   std::ofstream(dir / "w" / "w.json") << kModel;
-  struct Case {
-    std::vector<std::string> args;
-    std::string message;  // all of standard error
-  };
-  const std::string d = dir.string() + "/";
-  const std::vector<Case> cases = {
-      {{"m.json", "--options", "/dev/zero"},
-       "/dev/zero: the option file is not a plain file (a device or a pipe)"},
-      {{"folder.mod"}, "folder.mod: the model file is a folder"},
-      {{"m.json", "--options", "folder.mod"}, "folder.mod: the option file is a folder"},
-      {{"m.json", "--requests", "folder.mod"}, "folder.mod: the request file is a folder"},
-      {{"w/w.json"}, d + "w/w.mrk: the request file is a folder"},
-      {{"m.json", "--solution", "folder.mod"}, "folder.mod: the solution file is a folder"},
-      {{"m.json", "--listing", "nowhere/m.lst"},
-       "nowhere/m.lst: the listing's folder nowhere does not exist"},
-      {{"m.json", "--listing", "folder.mod"}, "folder.mod: the listing path is a folder"},
-      {{"m.json "}, "\"m.json \": a path that begins or ends with a blank cannot be used"},
-      {{" m.json"}, "\" m.json\": a path that begins or ends with a blank cannot be used"},
-      {{"m.json\n=C forged"},
-       "\"m.json\\n=C forged\": a path with a line break or another control character cannot "
-       "be used"},
-      {{"m.json", "--keep-scratch", "stale"},
-       d + "stale/ovmstat.scr: stands in the scratch folder but is not a plain file; remove it"},
-      {{"m.json", "--keep-scratch", std::string(240, 's')},
-       d + std::string(240, 's') + "/: the scratch folder's path is too long for the files of "
-       "the run (at most 255 characters each)"},
-      {{"sc.json", "--scale", "auto"},
-       "sc.json: GLPK could not scale the model: glp_set_sjj: j = 1; sjj = 0; invalid scale "
-       "factor"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.args[0] + " " + (c.args.size() > 2 ? c.args[2] : ""));
-    const RunResult r = runOrva(dir, c.args);
+  const auto expectRefused = [&dir](const std::vector<std::string>& args, const std::string& message) {
+    SCOPED_TRACE(args[0] + " " + (args.size() > 2 ? args[2] : ""));
+    const RunResult r = runOrva(dir, args);
     EXPECT_EQ(r.status, 2);
-    EXPECT_EQ(r.err, "orva: " + c.message + "\n");
+    EXPECT_EQ(r.err, "orva: " + message + "\n");
     EXPECT_FALSE(fs::exists(dir / "m.lst"));
-  }
+  };
+  for (const FileCase& c : readCases("orva/guard-refusals.cases"))
+    expectRefused(splitLines(c.text), substitute(c.expected, {{"DIR", dir.string() + "/"}}));
+  // A path with a line break, which cannot stand on a line of the case file.
+  expectRefused({"m.json\n=C forged"}, "\"m.json\\n=C forged\": a path with a line break or another "
+                                        "control character cannot be used");
   fs::remove_all(dir);
 }
 

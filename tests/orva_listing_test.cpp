@@ -1,23 +1,17 @@
 // The listing made from the status file, and what orva reads of a request file.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "golden.h"
+#include "orva_run.h"
 #include "orva/listing.h"
 #include "orva/requests.h"
 
 namespace {
-
-// A file name of this test process in the temporary folder.
-std::string tempPath(const std::string& name) {
-  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
-}
 
 TEST(OrvaListing, HostRecordsAreActedOn) {
   const std::vector<std::string> status =
@@ -39,10 +33,7 @@ TEST(OrvaListing, OnlyRecordsInColumnOneCount) {
 
 TEST(OrvaListing, RunStatusClosesTheListing) {
   const std::string path = tempPath("orva_ovmstat.scr");
-  {
-    std::ofstream out(path);
-    out << "solveStat 1\nmodelStat 14\n";
-  }
+  std::ofstream(path) << "solveStat 1\nmodelStat 14\n";
   int solveStat = 0, modelStat = 0;
   ASSERT_TRUE(orvaReadRunStatus(path, solveStat, modelStat));
   EXPECT_EQ(solveStat, 1);
@@ -51,10 +42,7 @@ TEST(OrvaListing, RunStatusClosesTheListing) {
                                              " Model status    14  no solution returned"};
   EXPECT_EQ(orvaRunStatusLines(solveStat, modelStat), expected);
 
-  {
-    std::ofstream out(path);
-    out << "solveStat 1\n";
-  }
+  std::ofstream(path) << "solveStat 1\n";
   EXPECT_FALSE(orvaReadRunStatus(path, solveStat, modelStat));
   std::remove(path.c_str());
   EXPECT_FALSE(orvaReadRunStatus(path, solveStat, modelStat));
@@ -64,71 +52,37 @@ TEST(OrvaListing, WrittenWholeFromTheFiles) {
   const std::string statusPath = tempPath("orva_listing.sta");
   const std::string runStatusPath = tempPath("orva_listing_ovmstat.scr");
   const std::string listingPath = tempPath("orva_listing.lst");
-  {
-    std::ofstream out(statusPath);
-    out << "=1\n first\n=L#### MODRAKE PICTURE  \n=2\n";
-    std::ofstream st(runStatusPath);
-    st << "modelStat 1\nsolveStat 1\n";
-  }
-  std::FILE* out = std::fopen(listingPath.c_str(), "w");
-  std::FILE* terminal = std::fopen("/dev/null", "w");
-  ASSERT_NE(out, nullptr);
-  ASSERT_NE(terminal, nullptr);
+  std::ofstream(statusPath) << "=1\n first\n=L#### MODRAKE PICTURE  \n=2\n";
+  std::ofstream(runStatusPath) << "modelStat 1\nsolveStat 1\n";
   std::string error;
-  EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 1, 4, out, terminal, error)) << error;
-  std::fclose(out);
-  std::fclose(terminal);
-  std::vector<std::string> lines = readLines(listingPath);
-  const std::vector<std::string> expected = {
-      " first", " #### MODRAKE PICTURE", " ====================", "",
-      " Solve status     1  normal completion", " Model status     1  optimal"};
-  EXPECT_EQ(lines, expected);
-
+  // The listing written with the statuses of the solution handed over.
+  const auto listing = [&](int solveStat, int modelStat) {
+    std::FILE* out = std::fopen(listingPath.c_str(), "w");
+    std::FILE* terminal = std::fopen("/dev/null", "w");
+    EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, solveStat, modelStat, out, terminal,
+                                 error)) << error;
+    std::fclose(out);
+    std::fclose(terminal);
+    return readLines(listingPath);
+  };
+  EXPECT_TRUE(matchesGolden(listing(1, 4), "orva/status-from-modrake.listing"));
   // Without statuses from modrake, those of the solution handed over close the listing.
   std::remove(runStatusPath.c_str());
-  out = std::fopen(listingPath.c_str(), "w");
-  terminal = std::fopen("/dev/null", "w");
-  EXPECT_TRUE(orvaWriteListing(statusPath, runStatusPath, 3, 8, out, terminal, error)) << error;
-  std::fclose(out);
-  std::fclose(terminal);
-  lines = readLines(listingPath);
-  const std::vector<std::string> handed = {
-      " first", " #### MODRAKE PICTURE", " ====================", "",
-      " Solve status     3  resource interrupt", " Model status     8  integer solution"};
-  EXPECT_EQ(lines, handed);
+  EXPECT_TRUE(matchesGolden(listing(3, 8), "orva/status-handed-over.listing"));
   EXPECT_FALSE(orvaWriteListing(tempPath("no_such.sta"), runStatusPath, 0, 0, stdout,
                                 stderr, error));
   EXPECT_NE(error.find("no_such.sta: cannot read the status file"), std::string::npos) << error;
   std::remove(statusPath.c_str());
-  std::remove(runStatusPath.c_str());
   std::remove(listingPath.c_str());
 }
 
-
 // POSTOPT or NONOPT want a solution where they run: blanks are dropped before reading; a THEEND
 // first runs BLOCKPIC, then reading goes on; in the section of a procedure that reads one,
-// THEEND is a request and the next keyword runs. Comments and sections hold no keyword.
+// THEEND is a request and the next keyword runs. Comments and sections hold no keyword. The
+// request files are those of tests/data/orva/solution-wanted.cases.
 TEST(OrvaRequests, SolutionWantedByPostoptOrNonopt) {
-  const std::pair<const char*, bool> cases[] = {
-      {"ANALYSIS\nPOSTOPT\nVARIABLES\nx\n", true},
-      {"  nonopt verbose\n", true},
-      {"$POSTOPT\n", true},
-      {"'$NonOpt\n", true},
-      {"POST OPT\n", true},
-      {"THEEND\nPOSTOPT\n", true},
-      {"DISPLAYCR\nTHEEND\nPOSTOPT\n", true},
-      {"PICTURE\nVARIABLES\nx\ntheend\n$NONOPT\n", true},
-      {"MATCHIT\nTHEEND\nBLOCKPIC\nNONOPT\n", true},
-      {"", false},
-      {"ANALYSIS\nBLOCKPIC\nDISPLAYCR\n", false},
-      {"# POSTOPT is for later\n? NONOPT too\n", false},
-      {"BLOCKPIC\nTHEEND\nPOSTOPT\n", false},
-      {"DISPLAYCR\nANALYSIS\nTHEEND\nNONOPT\n", false},
-      {"DISPLAYCR\nVARIABLES\nship(seattle,*)\n", false},
-  };
-  for (const auto& [text, wanted] : cases) {
-    EXPECT_EQ(orvaScanRequests(text).needsSolution, wanted) << text;
-  }
+  for (const FileCase& c : readCases("orva/solution-wanted.cases"))
+    EXPECT_EQ(orvaScanRequests(c.text).needsSolution, c.expected == "solve") << c.text;
 }
 
 // Only lines between procedures that modrake cannot match are stray: not comments, keywords
@@ -142,17 +96,15 @@ TEST(OrvaRequests, StrayLinesAreThoseModrakeCannotMatch) {
           "$blocklst\nship everything\nDISPLAYCR\nVARIABLES\nblokpic\nTHEEND\nBLOCKPIC\n"
           "blcokpc\nblokpic please\nnopt\nblock\ntheen\nTHEEND\nanalysys\n")
           .strayLines;
-  const OrvaStrayLine expected[] = {
-      {3, "blokpic", "BLOCKPIC"},         {9, "$blocklst", "$BLOCKLIST"},
-      {10, "ship everything", ""},        {16, "blcokpc", "BLOCKPIC"},
-      {17, "blokpic please", "BLOCKPIC"}, {18, "nopt", "NONOPT"},
-      {19, "block", ""},                  {20, "theen", "THEEND"}};
-  ASSERT_EQ(strays.size(), std::size(expected));
-  for (size_t k = 0; k < strays.size(); ++k) {
-    EXPECT_EQ(std::tie(strays[k].lineNumber, strays[k].text, strays[k].nearest),
-              std::tie(expected[k].lineNumber, expected[k].text, expected[k].nearest));
-  }
-  EXPECT_EQ(orvaStrayLineWarning("m.mrk", expected[2]),
+  // Each as its line number, its text and the keyword offered.
+  std::vector<std::string> shown;
+  for (const OrvaStrayLine& stray : strays)
+    shown.push_back(std::to_string(stray.lineNumber) + " [" + stray.text + "] " + stray.nearest);
+  EXPECT_EQ(shown, (std::vector<std::string>{
+                       "3 [blokpic] BLOCKPIC", "9 [$blocklst] $BLOCKLIST", "10 [ship everything] ",
+                       "16 [blcokpc] BLOCKPIC", "17 [blokpic please] BLOCKPIC", "18 [nopt] NONOPT",
+                       "19 [block] ", "20 [theen] THEEND"}));
+  EXPECT_EQ(orvaStrayLineWarning("m.mrk", strays.at(2)),
             "m.mrk:10: warning: \"ship everything\" is no keyword, comment or PW= line; modrake "
             "passes over it (a comment begins with # or ?)");
 }

@@ -1,21 +1,16 @@
 // The option file MODRAKE.OPT and the control records written from it.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "golden.h"
+#include "orva_run.h"
 #include "orva/options.h"
 
 namespace {
-
-// A file name of this test process in the temporary folder.
-std::string tempPath(const std::string& name) {
-  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
-}
 
 // Parses `text` and returns the error, "" on success.
 std::string parseError(const std::string& text, OrvaOptions& options) {
@@ -23,17 +18,19 @@ std::string parseError(const std::string& text, OrvaOptions& options) {
   return orvaParseOptionText(text, "run.opt", options, error) ? std::string() : error;
 }
 
+// Every value, in the order of the control records.
+std::string values(const OrvaOptions& o) {
+  std::ostringstream s;
+  s << (o.solutionExpected ? "T" : "F") << " requests " << o.varRequests << " " << o.equRequests
+    << " blocks " << o.varBlock << " " << o.equBlock << " scale " << o.scale << " large "
+    << o.largeLevel << " " << o.largeMarginal;
+  return s.str();
+}
+
 TEST(OrvaOptionFile, DefaultsWithoutAnyLine) {
   OrvaOptions o;
   ASSERT_EQ(parseError("", o), "");
-  EXPECT_EQ(o.varBlock, 0);
-  EXPECT_EQ(o.equBlock, 0);
-  EXPECT_EQ(o.varRequests, 1000);
-  EXPECT_EQ(o.equRequests, 1000);
-  EXPECT_EQ(o.scale, 0);
-  EXPECT_EQ(o.largeLevel, 6);
-  EXPECT_EQ(o.largeMarginal, 6);
-  EXPECT_FALSE(o.solutionExpected);
+  EXPECT_EQ(values(o), "F requests 1000 1000 blocks 0 0 scale 0 large 6 6");
 }
 
 TEST(OrvaOptionFile, KeywordsWithoutRegardToCaseCommentsAndBlankLines) {
@@ -50,13 +47,7 @@ TEST(OrvaOptionFile, KeywordsWithoutRegardToCaseCommentsAndBlankLines) {
       "LARGELEVEL +4\n"
       "largemarginal 0\n";
   ASSERT_EQ(parseError(text, o), "");
-  EXPECT_EQ(o.varBlock, 12);
-  EXPECT_EQ(o.equBlock, -1);
-  EXPECT_EQ(o.varRequests, 50);
-  EXPECT_EQ(o.equRequests, 99999);
-  EXPECT_EQ(o.scale, -9999);
-  EXPECT_EQ(o.largeLevel, 4);
-  EXPECT_EQ(o.largeMarginal, 0);
+  EXPECT_EQ(values(o), "F requests 50 99999 blocks 12 -1 scale -9999 large 4 0");
 }
 
 TEST(OrvaOptionFile, RefusalsNameFileLineAndReason) {

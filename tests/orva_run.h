@@ -33,8 +33,18 @@ inline std::filesystem::path freshDir(const std::string& name) {
   return dir;
 }
 
-inline RunResult runOrva(const std::filesystem::path& dir, const std::vector<std::string>& args) {
-  std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN);
+// A file name of this test process in the temporary folder.
+inline std::string tempPath(const std::string& name) {
+  return testing::TempDir() + std::to_string(getpid()) + "_" + name;
+}
+
+// `env`, when given, is a variable of orva's environment: "NAME=value".
+inline RunResult runOrva(const std::filesystem::path& dir, const std::vector<std::string>& args,
+                         const std::string& env = "") {
+  const std::size_t equals = env.find('=');
+  std::string cmd = "cd " + quote(dir.string()) + " && " +
+                    (env.empty() ? "" : env.substr(0, equals + 1) + quote(env.substr(equals + 1)) + " ") +
+                    quote(ORVA_BIN);
   for (const std::string& a : args) cmd += " " + quote(a);
   cmd += " >" + quote((dir / "run.out").string()) + " 2>" + quote((dir / "run.err").string());
   RunResult r;

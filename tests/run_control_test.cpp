@@ -33,25 +33,23 @@ std::string integerFault(const std::string& record) {
   return what;
 }
 
+// T or t in column 31 is true; anything else there a fault; a blank or a short record false.
 TEST(ControlRecords, LogicalStandsInColumn31) {
-  bool v = false;
-  std::string what;
-  ASSERT_TRUE(parseControlLogical(rec("solution expected", "T"), v, what));
-  EXPECT_TRUE(v);
-  ASSERT_TRUE(parseControlLogical(rec("", "t and more"), v, what));
-  EXPECT_TRUE(v);
-  ASSERT_TRUE(parseControlLogical(rec("TTTTTTTTTTTTTTTTTTTTTTTTTTTTTT", "F"), v, what));
-  EXPECT_FALSE(v);
-  v = true;
-  ASSERT_TRUE(parseControlLogical(rec("", " T"), v, what));  // blank in column 31: false
-  EXPECT_FALSE(v);
-  v = true;
-  ASSERT_TRUE(parseControlLogical("short", v, what));
-  EXPECT_FALSE(v);
-  EXPECT_FALSE(parseControlLogical(rec("", "Y"), v, what));
-  EXPECT_EQ(what, "column 31 holds \"Y\" where T or F belongs");
-  EXPECT_FALSE(parseControlLogical(rec("", "\t"), v, what));
-  EXPECT_EQ(what, "column 31 holds character code 0x09 where T or F belongs");
+  const struct {
+    std::string record;
+    const char* read;  // "T", "F" or the fault
+  } cases[] = {
+      {rec("solution expected", "T"), "T"}, {rec("", "t and more"), "T"},
+      {rec(std::string(30, 'T'), "F"), "F"}, {rec("", " T"), "F"}, {"short", "F"},
+      {rec("", "Y"), "column 31 holds \"Y\" where T or F belongs"},
+      {rec("", "\t"), "column 31 holds character code 0x09 where T or F belongs"},
+  };
+  for (const auto& c : cases) {
+    bool v = c.read[0] != 'T';  // the opposite of what a read should give
+    std::string what;
+    const bool ok = parseControlLogical(c.record, v, what);
+    EXPECT_EQ(ok ? (v ? "T" : "F") : what, c.read) << c.record;
+  }
 }
 
 // The number stands in columns 31 to 35: blanks inside are ignored and a blank field is 0; a
