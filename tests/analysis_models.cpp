@@ -1,15 +1,13 @@
 // ANALYSIS on the bundled MathProg models with known flaws, run through orva: the whole
 // report on the status file, the log lines, and the analysis scratch file.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "analysis_messages.h"
+#include "orva_run.h"
 
 using namespace analysis_test;
 
@@ -25,34 +23,18 @@ struct OrvaRun {
 // Runs orva on examples/analysis/<model>.mod and its request file ANALYSIS, at page width 80.
 OrvaRun runModel(const std::string& model) {
   namespace fs = std::filesystem;
-  const fs::path dir = fs::path(SOURCE_DIR) / "examples" / "analysis";
-  const fs::path keep = fs::path(::testing::TempDir()) / ("analysis_models_" + model + "_" + std::to_string(::getpid()));
-  fs::remove_all(keep);
-  const std::string command = std::string(ORVA_BIN) + " '" + (dir / (model + ".mod")).string() +
-                              "' --requests '" + (dir / (model + ".mrk")).string() +
-                              "' --page-width 80 --listing '" + (keep.string() + ".lst") +
-                              "' --keep-scratch '" + keep.string() + "'";
+  const fs::path dir = freshDir("analysis_" + model);
+  const std::string base = std::string(SOURCE_DIR) + "/examples/analysis/" + model;
   OrvaRun run;
-  std::FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return run;
-  std::string line;
-  int c;
-  while ((c = std::fgetc(pipe)) != EOF) {
-    if (c == '\n') {
-      run.log.push_back(line);
-      line.clear();
-    } else {
-      line.push_back(static_cast<char>(c));
-    }
-  }
-  const int status = pclose(pipe);
-  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  if (fs::is_directory(keep)) {
-    for (const auto& entry : fs::directory_iterator(keep)) {
-      const std::string name = entry.path().filename().string();
-      if (entry.path().extension() == ".sta") run.status = readLines(entry.path());
-      if (name.rfind("mrkanal.", 0) == 0) run.scratch = readLines(entry.path());
-    }
+  run.exitCode = runOrva(dir, {base + ".mod", "--requests", base + ".mrk", "--page-width", "80",
+                               "--listing", "run.lst", "--keep-scratch", "kept"})
+                     .status;
+  run.log = readLines(dir / "run.out");
+  if (!fs::is_directory(dir / "kept")) return run;
+  for (const auto& entry : fs::directory_iterator(dir / "kept")) {
+    const std::string name = entry.path().filename().string();
+    if (entry.path().extension() == ".sta") run.status = readLines(entry.path());
+    if (name.starts_with("mrkanal.")) run.scratch = readLines(entry.path());
   }
   return run;
 }
