@@ -1,19 +1,18 @@
-// Small model instances built in memory for the block, label and ANALYSIS tests, and a run
-// state around them whose status and log lines are kept in vectors.
+// Small native models for the block, label and ANALYSIS tests, from tests/data/ or from their
+// text, and a run state around them whose status and log lines are kept in vectors.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
+#include <fstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "host/host.h"
 #include "host/instance.h"
-#include "host/names.h"
 #include "host/readers.h"
 #include "model/matrix_store.h"
 #include "model/work_array.h"
@@ -24,92 +23,23 @@ namespace analysis_test {
 
 inline constexpr double INF = kHostInf;
 
-// Builds a HostInstance row by row and column by column, its dictionary by the host's own
-// builder. For labels in quotes, write the model as a native file (modelFile).
-struct ModelBuilder {
-  HostInstance inst;
-  std::vector<HostName> rowNames, colNames;
-  struct Entry {
-    int32_t row, col;
-    double value;
-    bool nonlinear;
-  };
-  std::vector<Entry> entries;
-
-  static HostName name(const std::string& sym, std::initializer_list<std::string> labels) {
-    std::vector<HostLabel> parts;
-    for (const std::string& l : labels) parts.push_back(HostLabel{l, ' '});
-    return hostMakeName(sym, std::move(parts));
-  }
-
-  // A row; returns its 1-based index.
-  int32_t row(const std::string& sym, std::initializer_list<std::string> labels, int32_t type,
-              double rhs, double scale = 1.0) {
-    rowNames.push_back(name(sym, labels));
-    inst.rowType.push_back(type);
-    inst.rowRhs.push_back(rhs);
-    inst.rowScale.push_back(scale);
-    inst.rowLevel.push_back(0.0);
-    inst.rowMarginal.push_back(0.0);
-    inst.rowStat.push_back(2);
-    inst.rowCStat.push_back(0);
-    return ++inst.rowCount;
-  }
-  // A column; returns its 1-based index.
-  int32_t col(const std::string& sym, std::initializer_list<std::string> labels, double lower,
-              double upper, int32_t type = kVarContinuous, double scale = 1.0) {
-    colNames.push_back(name(sym, labels));
-    inst.colType.push_back(type);
-    inst.colLower.push_back(lower);
-    inst.colUpper.push_back(upper);
-    inst.colScale.push_back(scale);
-    inst.colLevel.push_back(0.0);
-    inst.colMarginal.push_back(0.0);
-    inst.colStat.push_back(0);
-    inst.colCStat.push_back(0);
-    return ++inst.colCount;
-  }
-  void add(int32_t row1, int32_t col1, double value, bool nonlinear = false) {
-    entries.push_back({row1, col1, value, nonlinear});
-  }
-  // Makes column `col1` the objective variable of row `row1` (coefficient -1 unless given).
-  void objective(int32_t row1, int32_t col1, bool minimizing) {
-    inst.objRow = row1;
-    inst.objVar = col1;
-    inst.minimizing = minimizing;
-  }
-
-  HostInstance build() {
-    HostInstance out = inst;
-    out.hasScale = false;
-    for (double s : out.rowScale) out.hasScale = out.hasScale || s != 1.0;
-    for (double s : out.colScale) out.hasScale = out.hasScale || s != 1.0;
-    const int32_t n = out.colCount;
-    std::vector<std::vector<Entry>> byCol(static_cast<size_t>(n));
-    for (const Entry& e : entries) byCol[static_cast<size_t>(e.col - 1)].push_back(e);
-    out.colStart.assign(1, 0);
-    for (const auto& list : byCol) {
-      for (const Entry& e : list) {
-        out.entryRow.push_back(e.row - 1);
-        out.entryValue.push_back(e.value);
-        out.entryNonlinear.push_back(e.nonlinear ? 1 : 0);
-      }
-      out.colStart.push_back(static_cast<int32_t>(out.entryRow.size()));
-    }
-    hostBuildDictionary(out, rowNames, colNames);
-    return out;
-  }
-};
-
 // A native model of tests/data/, as the host reads it (a name ending in digits, x17, is x(17):
 // give such a scalar as a symbol without labels).
-inline HostInstance modelFile(const std::string& name) {
+inline HostInstance modelFile(const std::string& name,
+                              const std::string& dir = SOURCE_DIR "/tests/data/") {
   HostInstance inst;
   std::string error;
-  const ModelSource source{std::string(SOURCE_DIR) + "/tests/data/" + name, ModelFormat::Json, "", {}};
+  const ModelSource source{dir + name, ModelFormat::Json, "", {}};
   const bool read = readModel(source, inst, error);
   EXPECT_TRUE(read) << error;
   return inst;
+}
+
+// A native model given as its text.
+inline HostInstance modelText(const std::string& text) {
+  const std::string name = "model_text_" + std::to_string(getpid()) + ".json";
+  std::ofstream(testing::TempDir() + name) << text;
+  return modelFile(name, testing::TempDir());
 }
 
 // The run state of one test: the instance's sizes, the host handles, a page width, status

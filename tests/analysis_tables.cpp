@@ -7,9 +7,8 @@
 #include "analysis/analysis.h"
 #include "analysis_fixture.h"
 
-using analysis_test::INF;
-using analysis_test::ModelBuilder;
 using analysis_test::modelFile;
+using analysis_test::modelText;
 using analysis_test::RunFixture;
 
 namespace {
@@ -154,17 +153,17 @@ TEST(AnalysisTables, SignsActivityAndObjective) {
 TEST(AnalysisTables, ObjectiveTurnAndMinimisation) {
   for (const bool minimizing : {false, true}) {
     for (const double objCoef : {-1.0, 1.0}) {
-      ModelBuilder b;
-      const int32_t obj = b.row("COST", {}, kRowE, 0.0);
-      const int32_t x = b.col("X", {}, 0.0, INF);
-      const int32_t o = b.col("OBJ", {}, -INF, INF);
       // objCoef * obj + 3 x = 0: obj = 3x / -objCoef.
-      b.add(obj, x, 3.0 * -objCoef);
-      b.add(obj, o, objCoef);
-      b.objective(obj, o, minimizing);
+      HostInstance model = modelText(R"({"objVar": "OBJ", "objRow": "COST",
+          "rows": [{"name": "COST", "type": "=E="}],
+          "cols": [{"name": "X", "entries": [[1, 3]]},
+                   {"name": "OBJ", "lower": "-inf", "entries": [[1, -1]]}]})");
+      model.entryValue = {3.0 * -objCoef, objCoef};
+      model.minimizing = minimizing;
       RunFixture fx;
-      fx.start(b.build());
+      fx.start(model);
       const AnalysisRegions r = tables();
+      const int32_t x = 1;
       // obj = 3x: raising x raises the objective, good when maximising.
       EXPECT_EQ(r.colSignTable(x, 4, 1), minimizing ? 0 : 1) << minimizing << objCoef;
       EXPECT_EQ(r.colSignTable(x, 4, 2), minimizing ? 1 : 0) << minimizing << objCoef;
