@@ -89,58 +89,50 @@ TEST(AnalysisTables, SignsActivityAndObjective) {
   const int32_t obj = 1, cap = 2, dem = 3, bal = 4, sticky = 6;  // rows
   const int32_t x = 1, y = 2, z = 3, w = 4;                       // columns
   const AnalysisRegions r = tables();
-
   EXPECT_EQ(r.anaRowType[cap], kRowL);
-  EXPECT_DOUBLE_EQ(r.rowRhs[cap], 10.0);
-  // CAP: 2x (class 1, +), -y (class 2, -), w (class 1, +, nonlinear).
-  EXPECT_EQ(r.rowSignTable(cap, 1, 1), 2);
-  EXPECT_EQ(r.rowSignTable(cap, 2, 2), 1);
-  EXPECT_EQ(r.rowSignTable(cap, 1, 3), 1);
-  // min = 2*0 + (-1)*0 + 1*2 = 2, a nonzero bound was used; max has infinite terms.
-  EXPECT_DOUBLE_EQ(r.rowActivity(cap, 1), 2.0);
-  EXPECT_EQ(r.rowActivity(cap, 2), 1.0);
-  EXPECT_EQ(r.rowActivity(cap, 4), 0.0);
-  // DEM: x (+), -z in a free column: the lower bound of z is -inf, used by the max side.
-  EXPECT_EQ(r.rowSignTable(dem, 3, 2), 1);
-  EXPECT_EQ(r.rowActivity(dem, 2), -1.0);
-  EXPECT_EQ(r.rowActivity(dem, 4), 0.0);
-  // BAL: only -w, w >= 2: min = -inf side, max = -2.
-  EXPECT_EQ(r.rowActivity(bal, 2), -1.0);
-  EXPECT_DOUBLE_EQ(r.rowActivity(bal, 3), -2.0);
-  EXPECT_EQ(r.rowActivity(bal, 4), 1.0);
-  EXPECT_EQ(r.rowSignTable(bal, 1, 3), 1);  // the zero derivative still counts as nonlinear
-  EXPECT_EQ(r.rowSignTable(bal, 1, 1), 0);  // the zero coefficient of x counts nowhere
-  EXPECT_EQ(r.rowSignTable(bal, 1, 2), 1);
-  // STICKY: a free column first (its infinite lower bound), then a bounded one: minState
-  // stays -1.
-  EXPECT_EQ(r.rowActivity(sticky, 2), -1.0);
-  EXPECT_EQ(r.rowActivity(sticky, 4), 0.0);
-  // The objective row: signs counted, no activity.
-  EXPECT_EQ(r.rowSignTable(obj, 1, 1), 1);
-  EXPECT_EQ(r.rowSignTable(obj, 2, 2), 1);
-  EXPECT_EQ(r.rowSignTable(obj, 3, 2), 1);
-  EXPECT_EQ(r.rowActivity(obj, 2), 0.0);
-  EXPECT_EQ(r.rowActivity(obj, 3), 0.0);
-  EXPECT_EQ(r.rowActivity(obj, 4), 1.0);
-
-  // Columns: X in =L= (+), =G= (+), =E= (0: nothing), objective +3 under max with the
-  // objective variable at -1: raising x improves the objective.
-  EXPECT_EQ(r.colSignTable(x, 3, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 2, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 1, 1) + r.colSignTable(x, 1, 2), 0);
-  EXPECT_EQ(r.colSignTable(x, 1, 3), 1);
-  EXPECT_EQ(r.colSignTable(x, 4, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 4, 2), 0);
-  // Y: -2 in the objective: raising y worsens it.
-  EXPECT_EQ(r.colSignTable(y, 4, 2), 1);
-  EXPECT_EQ(r.colSignTable(y, 4, 1), 0);
-  EXPECT_EQ(r.colSignTable(y, 1, 3), 1);
-  // W: +1 in =L=, -1 in =E=, 5 in the =N= row counted in slot 4, which the objective turn
-  // moves along with the objective flags.
-  EXPECT_EQ(r.colSignTable(w, 3, 1), 1);
-  EXPECT_EQ(r.colSignTable(w, 1, 2), 1);
-  EXPECT_EQ(r.colSignTable(w, 4, 1), 0);
-  EXPECT_EQ(r.colSignTable(w, 4, 2), 1);
+  EXPECT_EQ(r.rowRhs[cap], 10.0);
+  // Sign counts {row or column, middle slot, sign slot, count}.
+  const int32_t rowSigns[][4] = {
+      // CAP: 2x (class 1, +), -y (class 2, -), w (class 1, +, nonlinear).
+      {cap, 1, 1, 2}, {cap, 2, 2, 1}, {cap, 1, 3, 1},
+      // DEM: -z in a free column. BAL: the zero derivative of x still counts as nonlinear, its
+      // zero coefficient nowhere else. The objective row: signs counted.
+      {dem, 3, 2, 1}, {bal, 1, 3, 1}, {bal, 1, 1, 0}, {bal, 1, 2, 1},
+      {obj, 1, 1, 1}, {obj, 2, 2, 1}, {obj, 3, 2, 1}};
+  for (const auto& e : rowSigns) {
+    EXPECT_EQ(r.rowSignTable(e[0], e[1], e[2]), e[3]) << e[0] << " " << e[1] << " " << e[2];
+  }
+  const int32_t colSigns[][4] = {
+      // X in =L= (+), =G= (+), =E= (0: nothing), objective +3 under max with the objective
+      // variable at -1: raising x improves the objective.
+      {x, 3, 1, 1}, {x, 2, 1, 1}, {x, 1, 1, 0}, {x, 1, 2, 0}, {x, 1, 3, 1}, {x, 4, 1, 1},
+      {x, 4, 2, 0},
+      // Y: -2 in the objective: raising y worsens it.
+      {y, 4, 2, 1}, {y, 4, 1, 0}, {y, 1, 3, 1},
+      // W: +1 in =L=, -1 in =E=, 5 in the =N= row counted in slot 4, which the objective turn
+      // moves along with the objective flags.
+      {w, 3, 1, 1}, {w, 1, 2, 1}, {w, 4, 1, 0}, {w, 4, 2, 1}};
+  for (const auto& e : colSigns) {
+    EXPECT_EQ(r.colSignTable(e[0], e[1], e[2]), e[3]) << e[0] << " " << e[1] << " " << e[2];
+  }
+  const struct {
+    int32_t row, slot;
+    double value;
+  } activity[] = {
+      // CAP: min = 2*0 + (-1)*0 + 1*2 = 2, a nonzero bound was used; max has infinite terms.
+      {cap, 1, 2.0}, {cap, 2, 1.0}, {cap, 4, 0.0},
+      // DEM: the lower bound of z is -inf, used by the max side.
+      {dem, 2, -1.0}, {dem, 4, 0.0},
+      // BAL: only -w, w >= 2: min = -inf side, max = -2.
+      {bal, 2, -1.0}, {bal, 3, -2.0}, {bal, 4, 1.0},
+      // STICKY: a free column first (its infinite lower bound), then a bounded one: minState
+      // stays -1.
+      {sticky, 2, -1.0}, {sticky, 4, 0.0},
+      // The objective row: no activity.
+      {obj, 2, 0.0}, {obj, 3, 0.0}, {obj, 4, 1.0}};
+  for (const auto& e : activity) {
+    EXPECT_EQ(r.rowActivity(e.row, e.slot), e.value) << e.row << " " << e.slot;
+  }
   // Bound classes.
   EXPECT_EQ(r.colBoundTable(x, 4), 1);
   EXPECT_EQ(r.colBoundTable(y, 4), 2);
