@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "golden.h"
+#include "analysis/analysis.h"
 #include "host/host.h"
 #include "host/instance.h"
 #include "host/readers.h"
@@ -91,24 +93,10 @@ struct RunFixture {
     allocateWorkArray(total);
   }
 
-  // The lines of the analysis scratch file.
+  // The lines of the analysis scratch file, read through a second opening of it.
   std::vector<std::string> scratch() const {
-    std::vector<std::string> lines;
-    std::FILE* f = runState.analysisChannel;
-    std::fflush(f);
-    std::rewind(f);
-    std::string line;
-    int c;
-    while ((c = std::fgetc(f)) != EOF) {
-      if (c == '\n') {
-        lines.push_back(line);
-        line.clear();
-      } else {
-        line.push_back(static_cast<char>(c));
-      }
-    }
-    if (!line.empty()) lines.push_back(line);
-    return lines;
+    std::fflush(runState.analysisChannel);
+    return readLines("/proc/self/fd/" + std::to_string(fileno(runState.analysisChannel)));
   }
 
   void release() {
@@ -126,6 +114,14 @@ struct RunFixture {
     rs.logChannel = Channel{};
   }
 };
+
+// Builds the ANALYSIS tables of the fixture's model and returns their regions.
+inline AnalysisRegions analysisTables() {
+  bool fits = false;
+  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
+  buildAnalysisTables(r, runState);
+  return r;
+}
 
 // A line padded with blanks to `width` characters, as printFoldedItem pads its lines.
 inline std::string pad(std::string line, size_t width) {

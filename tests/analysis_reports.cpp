@@ -15,20 +15,13 @@ using namespace analysis_test;
 
 namespace {
 
-// Builds the tables of the fixture's model and runs one report on them.
-AnalysisRegions tables() {
-  bool fits = false;
-  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
-  buildAnalysisTables(r, runState);
-  return r;
-}
 void equationReport() {
-  const AnalysisRegions r = tables();
+  const AnalysisRegions r = analysisTables();
   reportEquationFindings(runState, runState.rowCount, TextTable{}, r.rowSignTable, r.anaRowType, r.rowRhs, 0,
                          runState.dictionary, r.rowActivity);
 }
 void variableReport() {
-  const AnalysisRegions r = tables();
+  const AnalysisRegions r = analysisTables();
   reportVariableFindings(runState, runState.colCount, TextTable{}, r.colSignTable, r.colBoundTable,
                          runState.objVar, 0, runState.dictionary);
 }

@@ -7,6 +7,7 @@
 #include "analysis/analysis.h"
 #include "analysis_fixture.h"
 
+using analysis_test::analysisTables;
 using analysis_test::modelFile;
 using analysis_test::modelText;
 using analysis_test::RunFixture;
@@ -75,20 +76,12 @@ TEST(ClassifyBounds, BlockMembersMoveTheLowerSideButNotAFixedUpperSide) {
   EXPECT_EQ(u.slot[2], 0);
 }
 
-// Runs the table pass on the fixture's model and returns the regions.
-AnalysisRegions tables() {
-  bool fits = false;
-  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
-  buildAnalysisTables(r, runState);
-  return r;
-}
-
 TEST(AnalysisTables, SignsActivityAndObjective) {
   RunFixture fx;
   fx.start(modelFile("analysis/signs.json"));
   const int32_t obj = 1, cap = 2, dem = 3, bal = 4, sticky = 6;  // rows
   const int32_t x = 1, y = 2, z = 3, w = 4;                       // columns
-  const AnalysisRegions r = tables();
+  const AnalysisRegions r = analysisTables();
   EXPECT_EQ(r.anaRowType[cap], kRowL);
   EXPECT_EQ(r.rowRhs[cap], 10.0);
   // Sign counts {row or column, middle slot, sign slot, count}.
@@ -154,7 +147,7 @@ TEST(AnalysisTables, ObjectiveTurnAndMinimisation) {
       model.minimizing = minimizing;
       RunFixture fx;
       fx.start(model);
-      const AnalysisRegions r = tables();
+      const AnalysisRegions r = analysisTables();
       const int32_t x = 1;
       // obj = 3x: raising x raises the objective, good when maximising.
       EXPECT_EQ(r.colSignTable(x, 4, 1), minimizing ? 0 : 1) << minimizing << objCoef;
@@ -168,7 +161,7 @@ TEST(AnalysisTables, ScaleFactorsApplyToRhsBoundsAndCoefficients) {
   fx.start(modelFile("analysis/scaled.json"));
   const int32_t row = 1, x = 1;
   runState.useScale = 1;
-  const AnalysisRegions r = tables();
+  const AnalysisRegions r = analysisTables();
   EXPECT_DOUBLE_EQ(r.rowScale[row], 2.0);
   EXPECT_DOUBLE_EQ(r.colScale[x], 0.5);
   EXPECT_DOUBLE_EQ(r.rowRhs[row], 6.0);
