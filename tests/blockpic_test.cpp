@@ -16,6 +16,7 @@
 using analysis_test::indexOf;
 using analysis_test::itemFollows;
 using analysis_test::modelFile;
+using analysis_test::modelText;
 using analysis_test::pad;
 using analysis_test::rtrim;
 using analysis_test::RunFixture;
@@ -98,19 +99,6 @@ Tables countsExample() {
   return t;
 }
 
-struct StatusCapture {
-  std::vector<std::string> status, log;
-  StatusCapture(int32_t pageWidth) {
-    runState.statusChannel = Channel{nullptr, &status};
-    runState.logChannel = Channel{nullptr, &log};
-    runState.pageWidth = pageWidth;
-  }
-  ~StatusCapture() {
-    runState.statusChannel = Channel{};
-    runState.logChannel = Channel{};
-  }
-};
-
 }  // namespace
 
 // ---- the report of a whole model ------------------------------------------------------------
@@ -147,7 +135,8 @@ TEST(BlockPicReport, ExampleModelGivesAllFourTables) {
 // ---- the tables of the worked examples, from hand-filled pair tables --------------------------
 
 TEST(BlockPicTables, CountsAndAveragesOfTheWorkedExample) {
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t = countsExample();
   t.colName().set(5, "Coeff Cnts");
   t.colName().set(6, "# of  Eqns");
@@ -176,7 +165,8 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
   // 7 coefficients of one variable block of 3 members in an equation block of 3 rows: the
   // block column shows 7/3 to four digits, "Cfs PerEqu" the whole-number 2; the RHS column,
   // with no right-hand side away from 0, stays blank.
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t(1, 1);
   t.colName().set(1, "v");
   t.colName().set(2, "RHS");
@@ -201,7 +191,8 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
 }
 
 TEST(BlockPicTables, ScalingOfTheWorkedExample) {
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t(3, 2);
   for (const auto& [c, name] : {std::pair{1, "x"}, {2, "yvariable12"}, {3, "z"},
                                 {4, "RHS MaxMin"}, {5, "Equ MaxMin"}}) {
@@ -290,14 +281,14 @@ size_t countStartingWith(const std::vector<std::string>& lines, const std::strin
 TEST(BlockPicStrips, ManyBlocksAtEveryWidth) {
   struct Case {
     int32_t pageWidth, held;
-    size_t stripsA, stripsB, stripsC, stripsD;
+    size_t strips[4];  // of tables A to D
   };
   // Strips of 41 columns in A, 43 in B and C, 42 in D by the per-strip counts of each width:
   // A (W-19)/3, B (W-19)/6, C (W-17)/8, D (W-17)/10.
-  const Case cases[] = {{50, 50, 5, 9, 11, 14},  {80, 80, 3, 5, 7, 7},
-                        {130, 130, 2, 3, 4, 4},  {254, 254, 1, 2, 2, 2},
-                        {0, 50, 5, 9, 11, 14},   {20, 50, 5, 9, 11, 14},
-                        {999, 254, 1, 2, 2, 2}};
+  const Case cases[] = {{50, 50, {5, 9, 11, 14}},  {80, 80, {3, 5, 7, 7}},
+                        {130, 130, {2, 3, 4, 4}},  {254, 254, {1, 2, 2, 2}},
+                        {0, 50, {5, 9, 11, 14}},   {20, 50, {5, 9, 11, 14}},
+                        {999, 254, {1, 2, 2, 2}}};
   for (const Case& k : cases) {
     SCOPED_TRACE(k.pageWidth);
     RunFixture fx;
@@ -310,18 +301,13 @@ TEST(BlockPicStrips, ManyBlocksAtEveryWidth) {
     const size_t findings =
         indexOf(s, "   ----### Analysis of Variables ( nonlinear terms at current point)");
     ASSERT_LT(findings, s.size());
-    EXPECT_EQ(countStartingWith(s, "### A.", findings) +
-                  countStartingWith(s, "   A. Aggregate", findings),
-              k.stripsA);
-    EXPECT_EQ(countStartingWith(s, "### B.", findings) +
-                  countStartingWith(s, "   B. Number", findings),
-              k.stripsB);
-    EXPECT_EQ(countStartingWith(s, " ### C.", findings) +
-                  countStartingWith(s, "    C. Average", findings),
-              k.stripsC);
-    EXPECT_EQ(countStartingWith(s, "### D.", findings) +
-                  countStartingWith(s, "   D. Scaling", findings),
-              k.stripsD);
+    const char* heads[][2] = {{"### A.", "   A. Aggregate"}, {"### B.", "   B. Number"},
+                              {" ### C.", "    C. Average"}, {"### D.", "   D. Scaling"}};
+    for (size_t t = 0; t < 4; ++t) {
+      EXPECT_EQ(countStartingWith(s, heads[t][0], findings) +
+                    countStartingWith(s, heads[t][1], findings),
+                k.strips[t]);
+    }
     // The RHS column of tables A and B takes its cells behind the last block column, so
     // their rows may run two cells past the width; no line passes that.
     for (size_t i = 0; i < findings; ++i) {
