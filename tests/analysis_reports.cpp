@@ -177,36 +177,21 @@ TEST(PrintFoldedItem, Styles) {
 }
 
 // Block tables made by hand: the reports in mode 1.
-struct BlockTables {
-  int32_t n;
-  std::vector<char> names;
-  std::vector<int32_t> sign, bound, type;
-  std::vector<double> rhs;
-  BlockTables(int32_t count, int32_t width2, int32_t width3)
-      : n(count),
-        names(static_cast<size_t>(31 * count), ' '),
-        sign(static_cast<size_t>(count * width2 * 3), 0),
-        bound(static_cast<size_t>(count * 5), 0),
-        type(static_cast<size_t>(count), 0),
-        rhs(static_cast<size_t>(count), 0.0) {
-    (void)width3;
-  }
-  TextTable nameTable() { return TextTable{names.data(), 31, n}; }
-};
-
 TEST(BlockFindings, EquationRulesOnSignCodes) {
   // Blocks: 1 =L= all rhs positive, negative terms only: kind 4. 2 the same with mixed signs
   // (-99): nothing. 3 =G= all rhs negative, positive terms only: kind 7. 4 =E= rhs zero with
   // one free term: kind 12 is for single rows only. 5 =E= all rhs positive with only positive
   // terms from bounded columns: the activity rules are off. 6 =L= some negative and the rest
   // zero, positive terms: kind 5.
-  BlockTables t(6, 3, 3);
-  Table3<int32_t> sign{t.sign.data(), 6, 3, 3};
-  TextTable names = t.nameTable();
+  std::vector<char> text(31 * 6, ' ');
+  std::vector<int32_t> signs(6 * 3 * 3, 0), typeCodes(6, 0);
+  std::vector<double> rhsSigns(6, 0.0);
+  TextTable names{text.data(), 31, 6};
+  Table3<int32_t> sign{signs.data(), 6, 3, 3};
+  Vec1<int32_t> types{typeCodes.data(), 6};
+  Vec1<double> rhs{rhsSigns.data(), 6};
   const char* blockNames[] = {"CAP", "MIXED", "DEM", "BAL", "FLOW", "LIM"};
   for (int32_t k = 1; k <= 6; ++k) names.set(k, blockNames[k - 1]);
-  Vec1<int32_t> types{t.type.data(), 6};
-  Vec1<double> rhs{t.rhs.data(), 6};
   types[1] = kRowL, rhs[1] = 2, sign(1, 1, 2) = 3;
   types[2] = kRowL, rhs[2] = -99, sign(2, 1, 2) = 3;
   types[3] = kRowG, rhs[3] = -2, sign(3, 1, 1) = 2, sign(3, 1, 3) = 1;
@@ -226,14 +211,14 @@ TEST(BlockFindings, EquationRulesOnSignCodes) {
 }
 
 TEST(BlockFindings, VariableRulesSkipTheObjectiveBlock) {
-  BlockTables t(3, 4, 3);
-  Table3<int32_t> sign{t.sign.data(), 3, 4, 3};
-  Table2<int32_t> bound{t.bound.data(), 3, 5};
-  TextTable names = t.nameTable();
-  names.set(1, "OBJVAR");
-  names.set(2, "SHIP");
-  names.set(3, "STOCK");
+  std::vector<char> text(31 * 3, ' ');
+  std::vector<int32_t> signs(3 * 4 * 3, 0), bounds(3 * 5, 0);
+  TextTable names{text.data(), 31, 3};
+  Table3<int32_t> sign{signs.data(), 3, 4, 3};
+  Table2<int32_t> bound{bounds.data(), 3, 5};
+  const char* blockNames[] = {"OBJVAR", "SHIP", "STOCK"};
   for (int32_t k = 1; k <= 3; ++k) {
+    names.set(k, blockNames[k - 1]);
     bound(k, 1) = 1, bound(k, 2) = 0, bound(k, 3) = NO_UPPER, bound(k, 4) = 1, bound(k, 5) = 1;
   }
   sign(2, 4, 1) = 1;  // SHIP: desirable, only + in =G= rows: unbounded
