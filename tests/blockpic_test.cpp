@@ -25,13 +25,18 @@ namespace {
 
 // Lays out the BLOCKPIC phase and runs BLOCKPIC as the request loop does after the titles.
 // Gives the number of variable and equation blocks, as the block tables hold them.
-void runBlockPicOnRegions(int32_t& nC, int32_t& nR) {
+std::pair<int32_t, int32_t> runBlockPicOnRegions() {
   bool fits = false;
   const BlockPicRegions r = phaseRegions<Phase::BlockPic>(workArraySizes(runState), fits);
-  ASSERT_TRUE(fits);
+  if (!fits) {
+    ADD_FAILURE() << "the BLOCKPIC phase does not fit";
+    return {0, 0};
+  }
   runBlockPicture(r, runState);
-  nC = r.colBlockOf.n > 0 ? *std::max_element(r.colBlockOf.begin(), r.colBlockOf.end()) : 0;
-  nR = r.rowBlockOf.n > 0 ? *std::max_element(r.rowBlockOf.begin(), r.rowBlockOf.end()) : 0;
+  const auto last = [](Vec1<int32_t> v) {
+    return v.n > 0 ? *std::max_element(v.begin(), v.end()) : 0;
+  };
+  return {last(r.colBlockOf), last(r.rowBlockOf)};
 }
 
 std::vector<std::string> slice(const std::vector<std::string>& lines, size_t from, size_t n) {
@@ -106,10 +111,7 @@ Tables countsExample() {
 TEST(BlockPicReport, ExampleModelGivesAllFourTables) {
   RunFixture fx;
   fx.start(modelFile("blockpic/example.json"), 80);
-  int32_t nC = 0, nR = 0;
-  runBlockPicOnRegions(nC, nR);
-  EXPECT_EQ(nC, 3);
-  EXPECT_EQ(nR, 2);
+  EXPECT_EQ(runBlockPicOnRegions(), std::make_pair(3, 2));
 
   // Tables A to D open the report; the findings follow them.
   ASSERT_TRUE(matchesGolden(fx.status, "blockpic/example-tables", {}, true));
@@ -293,10 +295,7 @@ TEST(BlockPicStrips, ManyBlocksAtEveryWidth) {
     SCOPED_TRACE(k.pageWidth);
     RunFixture fx;
     fx.start(modelFile("blockpic/many-blocks.json"), k.pageWidth);
-    int32_t nC = 0, nR = 0;
-    runBlockPicOnRegions(nC, nR);
-    ASSERT_EQ(nC, 40);
-    ASSERT_EQ(nR, 3);
+    ASSERT_EQ(runBlockPicOnRegions(), std::make_pair(40, 3));
     const std::vector<std::string>& s = fx.status;
     const size_t findings =
         indexOf(s, "   ----### Analysis of Variables ( nonlinear terms at current point)");
@@ -342,8 +341,7 @@ TEST(BlockPicFindings, ObjectiveBlockSkippedAndFolded) {
     if (!withObjRow) model.objRow = 0;
     RunFixture fx;
     fx.start(model, 80);
-    int32_t nC = 0, nR = 0;
-    runBlockPicOnRegions(nC, nR);
+    runBlockPicOnRegions();
     // Without an objective row the first row of the objective variable becomes it.
     EXPECT_EQ(runState.objRow, 1);
     const std::vector<std::string>& s = fx.status;
@@ -375,9 +373,7 @@ TEST(BlockPicCapacity, TitleColumnsNeedThreePlacesBeyondTheBlocks) {
   runState.icblock = 5;  // room for the 3 variable blocks, not for the 3 title columns
   auto run = [] {
     runState.logChannel = Channel{stderr, nullptr};
-    int32_t nC = 0;
-    int32_t nR = 0;
-    runBlockPicOnRegions(nC, nR);
+    runBlockPicOnRegions();
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(77),
       "  Exceeded maximum variable blocks which is   2\n"
