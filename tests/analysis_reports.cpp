@@ -236,13 +236,8 @@ TEST(RunAnalysis, HeadingBothReportsAndScratchFile) {
   RunFixture fx;
   fx.start(modelFile("analysis/run.json"));
   runProcedure(procedureRow(Proc::Analysis), runState);
-  const Lines heading = {" ", " ----#### Executing ANALYSIS ", "=L#### MODRAKE ANALYSIS ", " "};
-  // Then the two problems through DISPLAYCR at page width 80: labels in 55 columns, the item
-  // lines 73 wide; X with its entries and no bound line, LIM with the entry of Y.
-  EXPECT_EQ(fx.status, heading + kVariableHeading + kMessage.at(20) + nextItem("X") +
-                           kEquationHeading + kMessage.at(5) + firstItem("LIM") +
-                           golden("analysis/run-display.status"));
-  EXPECT_EQ(fx.log, golden("analysis/run.log"));
+  EXPECT_TRUE(matchesGolden(fx.status, "analysis/run.status"));
+  EXPECT_TRUE(matchesGolden(fx.log, "analysis/run.log"));
   EXPECT_EQ(fx.scratch(), (Lines{" variable", "   X", " equation", "   LIM"}));
   EXPECT_EQ(runState.analysisProblemsPending, 0);
 }
