@@ -23,8 +23,6 @@
 
 namespace analysis_test {
 
-inline constexpr double INF = kHostInf;
-
 // A native model of tests/data/, as the host reads it (a name ending in digits, x17, is x(17):
 // give such a scalar as a symbol without labels).
 inline HostInstance modelFile(const std::string& name,
