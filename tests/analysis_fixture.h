@@ -50,6 +50,8 @@ struct RunFixture {
   void start(const HostInstance& inst, int32_t pageWidth = 80) {
     RunContext& rs = runState;
     release();
+    if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
+    rs = RunContext{};  // every field at its start value
     rs.model = ovmCreateFromInstance(inst);
     rs.dictionary = ovdCreateFromInstance(inst);
     ovmIndexBaseSet(rs.model, 1);
@@ -67,19 +69,10 @@ struct RunFixture {
     rs.rowSelCapacity = 10;
     rs.icblock = static_cast<int32_t>(inst.symbols.size()) + 3;
     rs.irblock = rs.icblock;
-    rs.scaleRequest = 0;
-    rs.useScale = 0;
-    rs.commentCount = 0;
-    rs.analysisProblemsPending = 0;
-    rs.analysisProblemCount = 0;
-    rs.analysisProblemTally.fill(0);
-    rs.lastColSymbol = 0;
-    rs.lastItemClass = ItemClass::None;
     status.clear();
     log.clear();
     rs.statusChannel = Channel{nullptr, &status};
     rs.logChannel = Channel{nullptr, &log};
-    if (rs.analysisChannel != nullptr) std::fclose(rs.analysisChannel);
     rs.analysisChannel = std::tmpfile();
     // The Jacobian store, as start-up fills it: ANALYSIS shows its problems through DISPLAYCR.
     openJacobian(nullptr, rs.model, rs.rowCount, rs.colCount, rs.nzCount);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,30 +78,31 @@ struct Tables {
   Vec1<int32_t> types() { return {rowType.data(), nR}; }
 };
 
+// Sets names 1, 2, ... of a name table.
+void setNames(TextTable table, std::initializer_list<const char*> names) {
+  int32_t k = 0;
+  for (const char* name : names) table.set(++k, name);
+}
+
 // The blocks of the example with the sizes of its count tables: 1000, 2 and 3 variables,
 // 1 and 5 equations, 12345 positive coefficients of yvariable12 in equation22.
 Tables countsExample() {
   Tables t(3, 2);
-  t.colName().set(1, "x");
-  t.colName().set(2, "yvariable12");
-  t.colName().set(3, "z");
-  t.colName().set(4, "RHS");
-  t.rowName().set(1, "e1");
-  t.rowName().set(2, "equation22");
+  setNames(t.colName(), {"x", "yvariable12", "z", "RHS"});
+  setNames(t.rowName(), {"e1", "equation22"});
   t.colCount = {1000, 2, 3};
   t.rowCount = {1, 5};
   t.bound()(1, 5) = 1;
   t.bound()(2, 5) = 3;
   t.bound()(3, 5) = 4;
   t.rowType = {kRowG, kRowL};
-  t.p()(1, 1) = 2;
-  t.q()(1, 2) = 3;
-  t.p()(1, 4) = 1;
-  t.p()(2, 2) = 12345;
-  t.q()(2, 2) = 2;
-  t.p()(2, 3) = 1;
-  t.p()(2, 4) = 1;
-  t.q()(2, 4) = 1;
+  // {equation block, column, positive count, negative count}
+  const int32_t counts[][4] = {{1, 1, 2, 0},     {1, 2, 0, 3}, {1, 4, 1, 0},
+                               {2, 2, 12345, 2}, {2, 3, 1, 0}, {2, 4, 1, 1}};
+  for (const auto& [e, c, positive, negative] : counts) {
+    t.p()(e, c) = positive;
+    t.q()(e, c) = negative;
+  }
   return t;
 }
 
@@ -170,12 +172,8 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
   RunFixture out;
   out.start(modelText("{}"), 80);
   Tables t(1, 1);
-  t.colName().set(1, "v");
-  t.colName().set(2, "RHS");
-  t.colName().set(3, "Cfs PerEqu");
-  t.colName().set(4, "# of  Eqns");
-  t.rowName().set(1, "r");
-  t.rowName().set(2, "Cfs PerVar");
+  setNames(t.colName(), {"v", "RHS", "Cfs PerEqu", "# of  Eqns"});
+  setNames(t.rowName(), {"r", "Cfs PerVar"});
   t.colCount = {3};
   t.rowCount = {3};
   t.bound()(1, 5) = 1;
@@ -196,12 +194,8 @@ TEST(BlockPicTables, ScalingOfTheWorkedExample) {
   RunFixture out;
   out.start(modelText("{}"), 80);
   Tables t(3, 2);
-  for (const auto& [c, name] : {std::pair{1, "x"}, {2, "yvariable12"}, {3, "z"},
-                                {4, "RHS MaxMin"}, {5, "Equ MaxMin"}}) {
-    t.colName().set(c, name);
-  }
-  t.rowName().set(1, "e1");
-  t.rowName().set(2, "equation22");
+  setNames(t.colName(), {"x", "yvariable12", "z", "RHS MaxMin", "Equ MaxMin"});
+  setNames(t.rowName(), {"e1", "equation22"});
   auto pair = [&](int32_t e, int32_t c, double mx, double mn) {
     t.x()(e, c) = mx;
     t.n()(e, c) = mn;
