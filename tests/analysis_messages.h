@@ -20,11 +20,6 @@ inline Lines operator+(Lines a, const Lines& b) {
   return a;
 }
 
-// The lines of a golden file, as written.
-inline Lines golden(const std::string& name) {
-  return readLines(std::filesystem::path(SOURCE_DIR) / "tests/golden" / name);
-}
-
 // Explanations of the finding kinds, one golden file per kind, named by its number.
 inline std::map<int32_t, Lines> readExplanations() {
   std::map<int32_t, Lines> explanations;

@@ -7,9 +7,9 @@
 #include "analysis/analysis.h"
 #include "analysis_fixture.h"
 
-using analysis_test::INF;
-using analysis_test::ModelBuilder;
+using analysis_test::analysisTables;
 using analysis_test::modelFile;
+using analysis_test::modelText;
 using analysis_test::RunFixture;
 
 namespace {
@@ -76,72 +76,56 @@ TEST(ClassifyBounds, BlockMembersMoveTheLowerSideButNotAFixedUpperSide) {
   EXPECT_EQ(u.slot[2], 0);
 }
 
-// Runs the table pass on the fixture's model and returns the regions.
-AnalysisRegions tables() {
-  bool fits = false;
-  AnalysisRegions r = phaseRegions<Phase::Analysis>(workArraySizes(runState), fits);
-  buildAnalysisTables(r, runState);
-  return r;
-}
-
 TEST(AnalysisTables, SignsActivityAndObjective) {
   RunFixture fx;
   fx.start(modelFile("analysis/signs.json"));
   const int32_t obj = 1, cap = 2, dem = 3, bal = 4, sticky = 6;  // rows
   const int32_t x = 1, y = 2, z = 3, w = 4;                       // columns
-  const AnalysisRegions r = tables();
-
+  const AnalysisRegions r = analysisTables();
   EXPECT_EQ(r.anaRowType[cap], kRowL);
-  EXPECT_DOUBLE_EQ(r.rowRhs[cap], 10.0);
-  // CAP: 2x (class 1, +), -y (class 2, -), w (class 1, +, nonlinear).
-  EXPECT_EQ(r.rowSignTable(cap, 1, 1), 2);
-  EXPECT_EQ(r.rowSignTable(cap, 2, 2), 1);
-  EXPECT_EQ(r.rowSignTable(cap, 1, 3), 1);
-  // min = 2*0 + (-1)*0 + 1*2 = 2, a nonzero bound was used; max has infinite terms.
-  EXPECT_DOUBLE_EQ(r.rowActivity(cap, 1), 2.0);
-  EXPECT_EQ(r.rowActivity(cap, 2), 1.0);
-  EXPECT_EQ(r.rowActivity(cap, 4), 0.0);
-  // DEM: x (+), -z in a free column: the lower bound of z is -inf, used by the max side.
-  EXPECT_EQ(r.rowSignTable(dem, 3, 2), 1);
-  EXPECT_EQ(r.rowActivity(dem, 2), -1.0);
-  EXPECT_EQ(r.rowActivity(dem, 4), 0.0);
-  // BAL: only -w, w >= 2: min = -inf side, max = -2.
-  EXPECT_EQ(r.rowActivity(bal, 2), -1.0);
-  EXPECT_DOUBLE_EQ(r.rowActivity(bal, 3), -2.0);
-  EXPECT_EQ(r.rowActivity(bal, 4), 1.0);
-  EXPECT_EQ(r.rowSignTable(bal, 1, 3), 1);  // the zero derivative still counts as nonlinear
-  EXPECT_EQ(r.rowSignTable(bal, 1, 1), 0);  // the zero coefficient of x counts nowhere
-  EXPECT_EQ(r.rowSignTable(bal, 1, 2), 1);
-  // STICKY: a free column first (its infinite lower bound), then a bounded one: minState
-  // stays -1.
-  EXPECT_EQ(r.rowActivity(sticky, 2), -1.0);
-  EXPECT_EQ(r.rowActivity(sticky, 4), 0.0);
-  // The objective row: signs counted, no activity.
-  EXPECT_EQ(r.rowSignTable(obj, 1, 1), 1);
-  EXPECT_EQ(r.rowSignTable(obj, 2, 2), 1);
-  EXPECT_EQ(r.rowSignTable(obj, 3, 2), 1);
-  EXPECT_EQ(r.rowActivity(obj, 2), 0.0);
-  EXPECT_EQ(r.rowActivity(obj, 3), 0.0);
-  EXPECT_EQ(r.rowActivity(obj, 4), 1.0);
-
-  // Columns: X in =L= (+), =G= (+), =E= (0: nothing), objective +3 under max with the
-  // objective variable at -1: raising x improves the objective.
-  EXPECT_EQ(r.colSignTable(x, 3, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 2, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 1, 1) + r.colSignTable(x, 1, 2), 0);
-  EXPECT_EQ(r.colSignTable(x, 1, 3), 1);
-  EXPECT_EQ(r.colSignTable(x, 4, 1), 1);
-  EXPECT_EQ(r.colSignTable(x, 4, 2), 0);
-  // Y: -2 in the objective: raising y worsens it.
-  EXPECT_EQ(r.colSignTable(y, 4, 2), 1);
-  EXPECT_EQ(r.colSignTable(y, 4, 1), 0);
-  EXPECT_EQ(r.colSignTable(y, 1, 3), 1);
-  // W: +1 in =L=, -1 in =E=, 5 in the =N= row counted in slot 4, which the objective turn
-  // moves along with the objective flags.
-  EXPECT_EQ(r.colSignTable(w, 3, 1), 1);
-  EXPECT_EQ(r.colSignTable(w, 1, 2), 1);
-  EXPECT_EQ(r.colSignTable(w, 4, 1), 0);
-  EXPECT_EQ(r.colSignTable(w, 4, 2), 1);
+  EXPECT_EQ(r.rowRhs[cap], 10.0);
+  // Sign counts {row or column, middle slot, sign slot, count}.
+  const int32_t rowSigns[][4] = {
+      // CAP: 2x (class 1, +), -y (class 2, -), w (class 1, +, nonlinear).
+      {cap, 1, 1, 2}, {cap, 2, 2, 1}, {cap, 1, 3, 1},
+      // DEM: -z in a free column. BAL: the zero derivative of x still counts as nonlinear, its
+      // zero coefficient nowhere else. The objective row: signs counted.
+      {dem, 3, 2, 1}, {bal, 1, 3, 1}, {bal, 1, 1, 0}, {bal, 1, 2, 1},
+      {obj, 1, 1, 1}, {obj, 2, 2, 1}, {obj, 3, 2, 1}};
+  for (const auto& e : rowSigns) {
+    EXPECT_EQ(r.rowSignTable(e[0], e[1], e[2]), e[3]) << e[0] << " " << e[1] << " " << e[2];
+  }
+  const int32_t colSigns[][4] = {
+      // X in =L= (+), =G= (+), =E= (0: nothing), objective +3 under max with the objective
+      // variable at -1: raising x improves the objective.
+      {x, 3, 1, 1}, {x, 2, 1, 1}, {x, 1, 1, 0}, {x, 1, 2, 0}, {x, 1, 3, 1}, {x, 4, 1, 1},
+      {x, 4, 2, 0},
+      // Y: -2 in the objective: raising y worsens it.
+      {y, 4, 2, 1}, {y, 4, 1, 0}, {y, 1, 3, 1},
+      // W: +1 in =L=, -1 in =E=, 5 in the =N= row counted in slot 4, which the objective turn
+      // moves along with the objective flags.
+      {w, 3, 1, 1}, {w, 1, 2, 1}, {w, 4, 1, 0}, {w, 4, 2, 1}};
+  for (const auto& e : colSigns) {
+    EXPECT_EQ(r.colSignTable(e[0], e[1], e[2]), e[3]) << e[0] << " " << e[1] << " " << e[2];
+  }
+  const struct {
+    int32_t row, slot;
+    double value;
+  } activity[] = {
+      // CAP: min = 2*0 + (-1)*0 + 1*2 = 2, a nonzero bound was used; max has infinite terms.
+      {cap, 1, 2.0}, {cap, 2, 1.0}, {cap, 4, 0.0},
+      // DEM: the lower bound of z is -inf, used by the max side.
+      {dem, 2, -1.0}, {dem, 4, 0.0},
+      // BAL: only -w, w >= 2: min = -inf side, max = -2.
+      {bal, 2, -1.0}, {bal, 3, -2.0}, {bal, 4, 1.0},
+      // STICKY: a free column first (its infinite lower bound), then a bounded one: minState
+      // stays -1.
+      {sticky, 2, -1.0}, {sticky, 4, 0.0},
+      // The objective row: no activity.
+      {obj, 2, 0.0}, {obj, 3, 0.0}, {obj, 4, 1.0}};
+  for (const auto& e : activity) {
+    EXPECT_EQ(r.rowActivity(e.row, e.slot), e.value) << e.row << " " << e.slot;
+  }
   // Bound classes.
   EXPECT_EQ(r.colBoundTable(x, 4), 1);
   EXPECT_EQ(r.colBoundTable(y, 4), 2);
@@ -154,17 +138,17 @@ TEST(AnalysisTables, SignsActivityAndObjective) {
 TEST(AnalysisTables, ObjectiveTurnAndMinimisation) {
   for (const bool minimizing : {false, true}) {
     for (const double objCoef : {-1.0, 1.0}) {
-      ModelBuilder b;
-      const int32_t obj = b.row("COST", {}, kRowE, 0.0);
-      const int32_t x = b.col("X", {}, 0.0, INF);
-      const int32_t o = b.col("OBJ", {}, -INF, INF);
       // objCoef * obj + 3 x = 0: obj = 3x / -objCoef.
-      b.add(obj, x, 3.0 * -objCoef);
-      b.add(obj, o, objCoef);
-      b.objective(obj, o, minimizing);
+      HostInstance model = modelText(R"({"objVar": "OBJ", "objRow": "COST",
+          "rows": [{"name": "COST", "type": "=E="}],
+          "cols": [{"name": "X", "entries": [[1, 3]]},
+                   {"name": "OBJ", "lower": "-inf", "entries": [[1, -1]]}]})");
+      model.entryValue = {3.0 * -objCoef, objCoef};
+      model.minimizing = minimizing;
       RunFixture fx;
-      fx.start(b.build());
-      const AnalysisRegions r = tables();
+      fx.start(model);
+      const AnalysisRegions r = analysisTables();
+      const int32_t x = 1;
       // obj = 3x: raising x raises the objective, good when maximising.
       EXPECT_EQ(r.colSignTable(x, 4, 1), minimizing ? 0 : 1) << minimizing << objCoef;
       EXPECT_EQ(r.colSignTable(x, 4, 2), minimizing ? 1 : 0) << minimizing << objCoef;
@@ -177,7 +161,7 @@ TEST(AnalysisTables, ScaleFactorsApplyToRhsBoundsAndCoefficients) {
   fx.start(modelFile("analysis/scaled.json"));
   const int32_t row = 1, x = 1;
   runState.useScale = 1;
-  const AnalysisRegions r = tables();
+  const AnalysisRegions r = analysisTables();
   EXPECT_DOUBLE_EQ(r.rowScale[row], 2.0);
   EXPECT_DOUBLE_EQ(r.colScale[x], 0.5);
   EXPECT_DOUBLE_EQ(r.rowRhs[row], 6.0);

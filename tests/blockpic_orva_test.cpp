@@ -1,10 +1,8 @@
 // BLOCKPIC and BLOCKLIST through orva on a MathProg model: the conversion of the objective,
 // the blocks of indexed symbols and the listing, end to end.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -21,25 +19,20 @@ const std::string kPlant = std::string(SOURCE_DIR) + "/examples/blocks/plant.mod
 const std::string kPlantRequests = std::string(SOURCE_DIR) + "/examples/blocks/plant.mrk";
 
 // Runs orva in `dir` at page width 80 and returns its exit status; the listing is list.lst.
-int runOrva(const fs::path& dir, const std::string& model, const std::string& extra) {
-  const std::string cmd = "cd " + quote(dir.string()) + " && " + quote(ORVA_BIN) + " " +
-                          quote(model) + " --no-solve --page-width 80 --listing list.lst " +
-                          extra + " >run.out 2>run.err";
-  const int raw = std::system(cmd.c_str());
-  return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+int runPlant(const fs::path& dir, const std::string& model, std::vector<std::string> args = {}) {
+  args.insert(args.begin(), {model, "--no-solve", "--page-width", "80", "--listing", "list.lst"});
+  return runOrva(dir, args).status;
 }
 
 size_t count(const std::vector<std::string>& lines, const std::string& line) {
-  size_t n = 0;
-  for (const std::string& l : lines) n += l == line ? 1 : 0;
-  return n;
+  return static_cast<size_t>(std::count(lines.begin(), lines.end(), line));
 }
 
 }  // namespace
 
 TEST(BlockPicThroughOrva, PlantPictureListsAndFindings) {
   const fs::path dir = freshDir("plant");
-  ASSERT_EQ(runOrva(dir, kPlant, "--requests " + quote(kPlantRequests)), 0);
+  ASSERT_EQ(runPlant(dir, kPlant, {"--requests", kPlantRequests}), 0);
   const std::vector<std::string> lst = readLines(dir / "list.lst");
   EXPECT_TRUE(containsGolden(lst, "orva/plant-table-a.part"));
   EXPECT_EQ(count(lst, "### B. Number of Coefficients by Block -- Strip   1"), 1u);
@@ -63,7 +56,7 @@ TEST(BlockPicThroughOrva, NoRequestFileOrCommentsOnlyRunBlockPicOnce) {
   // Without a request file beside the model.
   const fs::path dir = freshDir("assumed");
   fs::copy_file(kPlant, dir / "plant.mod");
-  ASSERT_EQ(runOrva(dir, (dir / "plant.mod").string(), ""), 0);
+  ASSERT_EQ(runPlant(dir, (dir / "plant.mod").string()), 0);
   std::vector<std::string> lst = readLines(dir / "list.lst");
   EXPECT_EQ(count(lst, " Assuming BLOCKPIC is requested"), 1u);
   EXPECT_EQ(count(lst, "### A. Aggregate Block Picture -- Strip   1"), 1u);
@@ -77,7 +70,7 @@ TEST(BlockPicThroughOrva, NoRequestFileOrCommentsOnlyRunBlockPicOnce) {
     std::ofstream out(dir / "plant.mrk");
     out << "# only looking\n";
   }
-  ASSERT_EQ(runOrva(dir, (dir / "plant.mod").string(), ""), 0);
+  ASSERT_EQ(runPlant(dir, (dir / "plant.mod").string()), 0);
   lst = readLines(dir / "list.lst");
   EXPECT_EQ(count(lst, "### A. Aggregate Block Picture -- Strip   1"), 1u);
   EXPECT_TRUE(containsGolden(lst, "orva/plant-table-a.part"));

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@
 using analysis_test::indexOf;
 using analysis_test::itemFollows;
 using analysis_test::modelFile;
+using analysis_test::modelText;
 using analysis_test::pad;
 using analysis_test::rtrim;
 using analysis_test::RunFixture;
@@ -24,13 +26,18 @@ namespace {
 
 // Lays out the BLOCKPIC phase and runs BLOCKPIC as the request loop does after the titles.
 // Gives the number of variable and equation blocks, as the block tables hold them.
-void runBlockPicOnRegions(int32_t& nC, int32_t& nR) {
+std::pair<int32_t, int32_t> runBlockPicOnRegions() {
   bool fits = false;
   const BlockPicRegions r = phaseRegions<Phase::BlockPic>(workArraySizes(runState), fits);
-  ASSERT_TRUE(fits);
+  if (!fits) {
+    ADD_FAILURE() << "the BLOCKPIC phase does not fit";
+    return {0, 0};
+  }
   runBlockPicture(r, runState);
-  nC = r.colBlockOf.n > 0 ? *std::max_element(r.colBlockOf.begin(), r.colBlockOf.end()) : 0;
-  nR = r.rowBlockOf.n > 0 ? *std::max_element(r.rowBlockOf.begin(), r.rowBlockOf.end()) : 0;
+  const auto last = [](Vec1<int32_t> v) {
+    return v.n > 0 ? *std::max_element(v.begin(), v.end()) : 0;
+  };
+  return {last(r.colBlockOf), last(r.rowBlockOf)};
 }
 
 std::vector<std::string> slice(const std::vector<std::string>& lines, size_t from, size_t n) {
@@ -71,45 +78,33 @@ struct Tables {
   Vec1<int32_t> types() { return {rowType.data(), nR}; }
 };
 
+// Sets names 1, 2, ... of a name table.
+void setNames(TextTable table, std::initializer_list<const char*> names) {
+  int32_t k = 0;
+  for (const char* name : names) table.set(++k, name);
+}
+
 // The blocks of the example with the sizes of its count tables: 1000, 2 and 3 variables,
 // 1 and 5 equations, 12345 positive coefficients of yvariable12 in equation22.
 Tables countsExample() {
   Tables t(3, 2);
-  t.colName().set(1, "x");
-  t.colName().set(2, "yvariable12");
-  t.colName().set(3, "z");
-  t.colName().set(4, "RHS");
-  t.rowName().set(1, "e1");
-  t.rowName().set(2, "equation22");
+  setNames(t.colName(), {"x", "yvariable12", "z", "RHS"});
+  setNames(t.rowName(), {"e1", "equation22"});
   t.colCount = {1000, 2, 3};
   t.rowCount = {1, 5};
   t.bound()(1, 5) = 1;
   t.bound()(2, 5) = 3;
   t.bound()(3, 5) = 4;
   t.rowType = {kRowG, kRowL};
-  t.p()(1, 1) = 2;
-  t.q()(1, 2) = 3;
-  t.p()(1, 4) = 1;
-  t.p()(2, 2) = 12345;
-  t.q()(2, 2) = 2;
-  t.p()(2, 3) = 1;
-  t.p()(2, 4) = 1;
-  t.q()(2, 4) = 1;
+  // {equation block, column, positive count, negative count}
+  const int32_t counts[][4] = {{1, 1, 2, 0},     {1, 2, 0, 3}, {1, 4, 1, 0},
+                               {2, 2, 12345, 2}, {2, 3, 1, 0}, {2, 4, 1, 1}};
+  for (const auto& [e, c, positive, negative] : counts) {
+    t.p()(e, c) = positive;
+    t.q()(e, c) = negative;
+  }
   return t;
 }
-
-struct StatusCapture {
-  std::vector<std::string> status, log;
-  StatusCapture(int32_t pageWidth) {
-    runState.statusChannel = Channel{nullptr, &status};
-    runState.logChannel = Channel{nullptr, &log};
-    runState.pageWidth = pageWidth;
-  }
-  ~StatusCapture() {
-    runState.statusChannel = Channel{};
-    runState.logChannel = Channel{};
-  }
-};
 
 }  // namespace
 
@@ -118,10 +113,7 @@ struct StatusCapture {
 TEST(BlockPicReport, ExampleModelGivesAllFourTables) {
   RunFixture fx;
   fx.start(modelFile("blockpic/example.json"), 80);
-  int32_t nC = 0, nR = 0;
-  runBlockPicOnRegions(nC, nR);
-  EXPECT_EQ(nC, 3);
-  EXPECT_EQ(nR, 2);
+  EXPECT_EQ(runBlockPicOnRegions(), std::make_pair(3, 2));
 
   // Tables A to D open the report; the findings follow them.
   ASSERT_TRUE(matchesGolden(fx.status, "blockpic/example-tables", {}, true));
@@ -147,7 +139,8 @@ TEST(BlockPicReport, ExampleModelGivesAllFourTables) {
 // ---- the tables of the worked examples, from hand-filled pair tables --------------------------
 
 TEST(BlockPicTables, CountsAndAveragesOfTheWorkedExample) {
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t = countsExample();
   t.colName().set(5, "Coeff Cnts");
   t.colName().set(6, "# of  Eqns");
@@ -176,14 +169,11 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
   // 7 coefficients of one variable block of 3 members in an equation block of 3 rows: the
   // block column shows 7/3 to four digits, "Cfs PerEqu" the whole-number 2; the RHS column,
   // with no right-hand side away from 0, stays blank.
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t(1, 1);
-  t.colName().set(1, "v");
-  t.colName().set(2, "RHS");
-  t.colName().set(3, "Cfs PerEqu");
-  t.colName().set(4, "# of  Eqns");
-  t.rowName().set(1, "r");
-  t.rowName().set(2, "Cfs PerVar");
+  setNames(t.colName(), {"v", "RHS", "Cfs PerEqu", "# of  Eqns"});
+  setNames(t.rowName(), {"r", "Cfs PerVar"});
   t.colCount = {3};
   t.rowCount = {3};
   t.bound()(1, 5) = 1;
@@ -201,14 +191,11 @@ TEST(BlockPicTables, AveragesTruncateOnlyPerEquation) {
 }
 
 TEST(BlockPicTables, ScalingOfTheWorkedExample) {
-  StatusCapture out(80);
+  RunFixture out;
+  out.start(modelText("{}"), 80);
   Tables t(3, 2);
-  for (const auto& [c, name] : {std::pair{1, "x"}, {2, "yvariable12"}, {3, "z"},
-                                {4, "RHS MaxMin"}, {5, "Equ MaxMin"}}) {
-    t.colName().set(c, name);
-  }
-  t.rowName().set(1, "e1");
-  t.rowName().set(2, "equation22");
+  setNames(t.colName(), {"x", "yvariable12", "z", "RHS MaxMin", "Equ MaxMin"});
+  setNames(t.rowName(), {"e1", "equation22"});
   auto pair = [&](int32_t e, int32_t c, double mx, double mn) {
     t.x()(e, c) = mx;
     t.n()(e, c) = mn;
@@ -290,38 +277,30 @@ size_t countStartingWith(const std::vector<std::string>& lines, const std::strin
 TEST(BlockPicStrips, ManyBlocksAtEveryWidth) {
   struct Case {
     int32_t pageWidth, held;
-    size_t stripsA, stripsB, stripsC, stripsD;
+    size_t strips[4];  // of tables A to D
   };
   // Strips of 41 columns in A, 43 in B and C, 42 in D by the per-strip counts of each width:
   // A (W-19)/3, B (W-19)/6, C (W-17)/8, D (W-17)/10.
-  const Case cases[] = {{50, 50, 5, 9, 11, 14},  {80, 80, 3, 5, 7, 7},
-                        {130, 130, 2, 3, 4, 4},  {254, 254, 1, 2, 2, 2},
-                        {0, 50, 5, 9, 11, 14},   {20, 50, 5, 9, 11, 14},
-                        {999, 254, 1, 2, 2, 2}};
+  const Case cases[] = {{50, 50, {5, 9, 11, 14}},  {80, 80, {3, 5, 7, 7}},
+                        {130, 130, {2, 3, 4, 4}},  {254, 254, {1, 2, 2, 2}},
+                        {0, 50, {5, 9, 11, 14}},   {20, 50, {5, 9, 11, 14}},
+                        {999, 254, {1, 2, 2, 2}}};
   for (const Case& k : cases) {
     SCOPED_TRACE(k.pageWidth);
     RunFixture fx;
     fx.start(modelFile("blockpic/many-blocks.json"), k.pageWidth);
-    int32_t nC = 0, nR = 0;
-    runBlockPicOnRegions(nC, nR);
-    ASSERT_EQ(nC, 40);
-    ASSERT_EQ(nR, 3);
+    ASSERT_EQ(runBlockPicOnRegions(), std::make_pair(40, 3));
     const std::vector<std::string>& s = fx.status;
     const size_t findings =
         indexOf(s, "   ----### Analysis of Variables ( nonlinear terms at current point)");
     ASSERT_LT(findings, s.size());
-    EXPECT_EQ(countStartingWith(s, "### A.", findings) +
-                  countStartingWith(s, "   A. Aggregate", findings),
-              k.stripsA);
-    EXPECT_EQ(countStartingWith(s, "### B.", findings) +
-                  countStartingWith(s, "   B. Number", findings),
-              k.stripsB);
-    EXPECT_EQ(countStartingWith(s, " ### C.", findings) +
-                  countStartingWith(s, "    C. Average", findings),
-              k.stripsC);
-    EXPECT_EQ(countStartingWith(s, "### D.", findings) +
-                  countStartingWith(s, "   D. Scaling", findings),
-              k.stripsD);
+    const char* heads[][2] = {{"### A.", "   A. Aggregate"}, {"### B.", "   B. Number"},
+                              {" ### C.", "    C. Average"}, {"### D.", "   D. Scaling"}};
+    for (size_t t = 0; t < 4; ++t) {
+      EXPECT_EQ(countStartingWith(s, heads[t][0], findings) +
+                    countStartingWith(s, heads[t][1], findings),
+                k.strips[t]);
+    }
     // The RHS column of tables A and B takes its cells behind the last block column, so
     // their rows may run two cells past the width; no line passes that.
     for (size_t i = 0; i < findings; ++i) {
@@ -356,8 +335,7 @@ TEST(BlockPicFindings, ObjectiveBlockSkippedAndFolded) {
     if (!withObjRow) model.objRow = 0;
     RunFixture fx;
     fx.start(model, 80);
-    int32_t nC = 0, nR = 0;
-    runBlockPicOnRegions(nC, nR);
+    runBlockPicOnRegions();
     // Without an objective row the first row of the objective variable becomes it.
     EXPECT_EQ(runState.objRow, 1);
     const std::vector<std::string>& s = fx.status;
@@ -389,9 +367,7 @@ TEST(BlockPicCapacity, TitleColumnsNeedThreePlacesBeyondTheBlocks) {
   runState.icblock = 5;  // room for the 3 variable blocks, not for the 3 title columns
   auto run = [] {
     runState.logChannel = Channel{stderr, nullptr};
-    int32_t nC = 0;
-    int32_t nR = 0;
-    runBlockPicOnRegions(nC, nR);
+    runBlockPicOnRegions();
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(77),
       "  Exceeded maximum variable blocks which is   2\n"

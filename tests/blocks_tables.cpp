@@ -80,37 +80,30 @@ TEST(BlockTables, ExactlyAtCapacityStillHasRoomForRhs) {
   EXPECT_EQ(t.rowUsed, 1);
 }
 
-// Runs buildBlockTables with the given capacities in a child process whose status and log
-// channels are files; the child must stop with exit code 77.
-void expectCapacityStop(int32_t icblock, int32_t irblock, const std::string& tag) {
-  const std::string statusPath = ::testing::TempDir() + "blocks_status_" + tag;
-  const std::string logPath = ::testing::TempDir() + "blocks_log_" + tag;
-  std::remove(statusPath.c_str());
-  std::remove(logPath.c_str());
-  RunFixture fx;
-  fx.start(modelFile("blocks/scattered.json"));
-  auto child = [&] {
-    runState.statusChannel = Channel{std::fopen(statusPath.c_str(), "w"), nullptr};
-    runState.logChannel = Channel{std::fopen(logPath.c_str(), "w"), nullptr};
-    Blocks t(icblock, irblock, 5, 4);
-    t.build(icblock, irblock);
-    std::exit(0);
-  };
-  EXPECT_EXIT(child(), ::testing::ExitedWithCode(77), "");
-}
-
+// buildBlockTables with capacities too small, in a child process whose status and log channels
+// are files: the child stops with exit code 77, and the files hold the message.
 TEST(BlockTables, TooManyBlocksStopTheRun) {
   const struct {
     int32_t icblock, irblock;
-    const char* golden;
+    std::string golden;
   } cases[] = {{2, 6, "var-stop"}, {6, 3, "equ-stop"}};
   for (const auto& c : cases) {
-    expectCapacityStop(c.icblock, c.irblock, c.golden);
-    const std::string dir = ::testing::TempDir();
-    EXPECT_TRUE(matchesGolden(readLines(dir + "blocks_status_" + c.golden),
-                              "blocks/" + std::string(c.golden) + ".status"));
-    EXPECT_TRUE(matchesGolden(readLines(dir + "blocks_log_" + c.golden),
-                              "blocks/" + std::string(c.golden) + ".log"));
+    const std::string status = ::testing::TempDir() + "blocks_status_" + c.golden;
+    const std::string log = ::testing::TempDir() + "blocks_log_" + c.golden;
+    std::remove(status.c_str());
+    std::remove(log.c_str());
+    RunFixture fx;
+    fx.start(modelFile("blocks/scattered.json"));
+    auto child = [&] {
+      runState.statusChannel = Channel{std::fopen(status.c_str(), "w"), nullptr};
+      runState.logChannel = Channel{std::fopen(log.c_str(), "w"), nullptr};
+      Blocks t(c.icblock, c.irblock, 5, 4);
+      t.build(c.icblock, c.irblock);
+      std::exit(0);
+    };
+    EXPECT_EXIT(child(), ::testing::ExitedWithCode(77), "");
+    EXPECT_TRUE(matchesGolden(readLines(status), "blocks/" + c.golden + ".status"));
+    EXPECT_TRUE(matchesGolden(readLines(log), "blocks/" + c.golden + ".log"));
   }
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "pictures/cells.h"
 
@@ -26,46 +27,35 @@ std::string averageText(double v, int32_t sign) {
 }  // namespace
 
 TEST(PutReal, FourDigitForms) {
-  // Plain forms.
-  EXPECT_EQ(plain4(12.345), "12.35");
-  EXPECT_EQ(plain4(1200), "1200");
-  EXPECT_EQ(plain4(7.5), "7.5");
-  EXPECT_EQ(plain4(3), "3");
-  EXPECT_EQ(plain4(1234), "1234");
-  EXPECT_EQ(plain4(33.33333), "33.3");  // log10 rounds up: one digit less
-  EXPECT_EQ(plain4(2000), "2000");
-  EXPECT_EQ(plain4(10), "10");
-  EXPECT_EQ(plain4(1.5), "1.5");
-  // Below 1: leading zero only while the text is shorter than digits + 1.
-  EXPECT_EQ(plain4(0.25), "0.25");
-  EXPECT_EQ(plain4(0.001), "0.001");
-  EXPECT_EQ(plain4(0.0012), ".0012");
-  EXPECT_EQ(plain4(0.1234), ".1234");
-  EXPECT_EQ(plain4(0.0001), ".0001");
-  // Exponent forms.
-  EXPECT_EQ(plain4(9999), "1.E+04");
-  EXPECT_EQ(plain4(12345), "1.235E+04");
-  EXPECT_EQ(plain4(1e6), "1.E+06");
-  EXPECT_EQ(plain4(1e5), "1.E+05");
-  EXPECT_EQ(plain4(0.00012), "1.2E-04");
-}
-
-TEST(PutReal, ExponentBeyondTwoDigitsShows99) {
-  EXPECT_EQ(plain4(1e150), "1.E+99");
-  EXPECT_EQ(plain4(1e-150), "1.E-99");
-  EXPECT_EQ(plain4(2.5e300), "2.5E+99");
-  EXPECT_EQ(plain4(5e-324), "4.94E-99");  // the smallest double, far outside single precision
+  const std::pair<double, const char*> plain[] = {
+      {12.345, "12.35"}, {1200, "1200"}, {7.5, "7.5"}, {3, "3"}, {1234, "1234"},
+      {33.33333, "33.3"},  // log10 rounds up: one digit less
+      {2000, "2000"}, {10, "10"}, {1.5, "1.5"},
+      // Below 1: leading zero only while the text is shorter than digits + 1.
+      {0.25, "0.25"}, {0.001, "0.001"}, {0.0012, ".0012"}, {0.1234, ".1234"}, {0.0001, ".0001"},
+      // Exponent forms.
+      {9999, "1.E+04"}, {12345, "1.235E+04"}, {1e6, "1.E+06"}, {1e5, "1.E+05"},
+      {0.00012, "1.2E-04"},
+      // An exponent beyond two digits shows 99.
+      {1e150, "1.E+99"}, {1e-150, "1.E-99"}, {2.5e300, "2.5E+99"},
+      {5e-324, "4.94E-99"},  // the smallest double, far outside single precision
+  };
+  for (const auto& [value, text] : plain) EXPECT_EQ(plain4(value), text) << value;
 }
 
 TEST(PutReal, CapsMarksAndSigns) {
-  EXPECT_EQ(averageText(999.9, 1), "1000+");     // rounds to the cap without a mark
-  EXPECT_EQ(averageText(1000.5, 1), ">1000+");   // the cap with its mark
-  EXPECT_EQ(averageText(2500, -1), ">1000-");
-  EXPECT_EQ(averageText(0.0004, 1), "<0.001+");  // below the lower cap
-  EXPECT_EQ(averageText(0.002, 1), "0.002+");
-  EXPECT_EQ(averageText(1.0 / 3.0, 1), "0.333+");
-  EXPECT_EQ(averageText(0.00123, 1), "1.23E-03+");
-  EXPECT_EQ(averageText(0.0, 1), "");
+  const struct {
+    double value;
+    int32_t sign;
+    const char* text;
+  } cases[] = {
+      {999.9, 1, "1000+"},    // rounds to the cap without a mark
+      {1000.5, 1, ">1000+"},  // the cap with its mark
+      {2500, -1, ">1000-"},
+      {0.0004, 1, "<0.001+"},  // below the lower cap
+      {0.002, 1, "0.002+"},  {1.0 / 3.0, 1, "0.333+"}, {0.00123, 1, "1.23E-03+"}, {0.0, 1, ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(averageText(c.value, c.sign), c.text) << c.value;
 }
 
 TEST(PutReal, RightAlignedIntoCells) {

@@ -44,57 +44,46 @@ TEST(FoldItemLabel, AnElementWiderThanTheLineIsNotCutButTheCapacityCuts) {
 }
 
 // The rows and columns of tests/data/labels/labels.json.
-struct LabelModel {
+struct ItemLabels : ::testing::Test {
   const int32_t total = 1, cap = 2;                 // COST, CAP('new york',seattle)
   const int32_t ship = 1, longLabel = 3, wide = 4;  // X(seattle,'new york'), Y(64 long), WIDE
-  const HostInstance b = modelFile("labels/labels.json");
-};
-
-TEST(ItemLabels, FullTextsAndParts) {
-  LabelModel lm;
   RunFixture fx;
-  fx.start(lm.b);
-  ovdHandle d = runState.dictionary;
   std::string text;
   int32_t length = 0, dim = -1, isNew = 0;
+  void SetUp() override { fx.start(modelFile("labels/labels.json")); }
+  // The text, its length and the dimension, as the last call left them.
+  std::string label() const {
+    return text + "|" + std::to_string(length) + "|" + std::to_string(dim);
+  }
+};
 
-  equItemLabel(d, lm.total, text, length, LABEL_FULL, TextTable{}, dim, 375);
-  EXPECT_EQ(text, "COST");  // a scalar has no parentheses
-  EXPECT_EQ(length, 4);
-  EXPECT_EQ(dim, 0);
-
-  equItemLabel(d, lm.cap, text, length, LABEL_FULL, TextTable{}, dim, 375);
-  EXPECT_EQ(text, "CAP('new york',seattle)");
-  EXPECT_EQ(length, 23);
-  EXPECT_EQ(dim, 2);
+TEST_F(ItemLabels, FullTextsAndParts) {
+  ovdHandle d = runState.dictionary;
+  equItemLabel(d, total, text, length, LABEL_FULL, TextTable{}, dim, 375);
+  EXPECT_EQ(label(), "COST|4|0");  // a scalar has no parentheses
+  equItemLabel(d, cap, text, length, LABEL_FULL, TextTable{}, dim, 375);
+  EXPECT_EQ(label(), "CAP('new york',seattle)|23|2");
 
   std::vector<char> store(10 * 31, '#');
   TextTable parts{store.data(), 31, 10};
-  equItemLabel(d, lm.cap, text, length, LABEL_PARTS, parts, dim, 375);
-  EXPECT_EQ(text, "CAP");
-  EXPECT_EQ(length, 3);
+  equItemLabel(d, cap, text, length, LABEL_PARTS, parts, dim, 375);
+  EXPECT_EQ(label(), "CAP|3|2");
   EXPECT_EQ(parts.view(1), "new york" + std::string(23, ' '));  // no quotes in the parts
   EXPECT_EQ(parts.view(2), "seattle" + std::string(24, ' '));
   EXPECT_EQ(parts.view(3), std::string(31, '#'));  // beyond dim: untouched
 
-  varItemLabel(runState, d, lm.ship, text, length, dim, isNew, 375);
+  varItemLabel(runState, d, ship, text, length, dim, isNew, 375);
   EXPECT_EQ(text, "X(seattle,'new york')");
 
-  varItemLabel(runState, d, lm.longLabel, text, length, dim, isNew, 375);
-  EXPECT_EQ(text, "Y(" + std::string(60, 'a') + "wx~)");
-  EXPECT_EQ(length, 2 + 63 + 1);
+  varItemLabel(runState, d, longLabel, text, length, dim, isNew, 375);
+  EXPECT_EQ(label(), "Y(" + std::string(60, 'a') + "wx~)|66|1");
 
-  varItemLabelParts(runState, d, lm.longLabel, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, longLabel, text, length, parts, dim, isNew);
   EXPECT_EQ(parts.view(1), std::string(31, 'a'));
 }
 
-TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
-  LabelModel lm;
-  RunFixture fx;
-  fx.start(lm.b);
-  std::string text;
-  int32_t length = 0, dim = 0, isNew = 0;
-  varItemLabel(runState, runState.dictionary, lm.wide, text, length, dim, isNew, 375);
+TEST_F(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
+  varItemLabel(runState, runState.dictionary, wide, text, length, dim, isNew, 375);
   ASSERT_EQ(text.size(), 375u);
   EXPECT_EQ(length, 375);
   EXPECT_EQ(dim, 10);
@@ -105,28 +94,23 @@ TEST(ItemLabels, TenLongQuotedLabelsAreCutToTheCapacity) {
   EXPECT_EQ(text.substr(370, 4), "uuuu");
 
   // A small capacity bounds the text as well.
-  varItemLabel(runState, runState.dictionary, lm.ship, text, length, dim, isNew, 6);
+  varItemLabel(runState, runState.dictionary, ship, text, length, dim, isNew, 6);
   EXPECT_EQ(text, "X(sea~");
 }
 
-TEST(ItemLabels, NewSymbolFollowsTheLastColumnNamed) {
-  LabelModel lm;
-  RunFixture fx;
-  fx.start(lm.b);
+TEST_F(ItemLabels, NewSymbolFollowsTheLastColumnNamed) {
   ovdHandle d = runState.dictionary;
   std::vector<char> store(10 * 31, ' ');
   TextTable parts{store.data(), 31, 10};
-  std::string text;
-  int32_t length = 0, dim = 0, isNew = 0;
-  varItemLabelParts(runState, d, lm.ship, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, ship, text, length, parts, dim, isNew);
   EXPECT_EQ(isNew, -1);
-  varItemLabelParts(runState, d, lm.ship, text, length, parts, dim, isNew);
+  varItemLabelParts(runState, d, ship, text, length, parts, dim, isNew);
   EXPECT_EQ(isNew, 0);
-  varItemLabel(runState, d, lm.ship + 1, text, length, dim, isNew, 375);  // same symbol X
+  varItemLabel(runState, d, ship + 1, text, length, dim, isNew, 375);  // same symbol X
   EXPECT_EQ(isNew, 0);
-  varItemLabel(runState, d, lm.longLabel, text, length, dim, isNew, 375);
+  varItemLabel(runState, d, longLabel, text, length, dim, isNew, 375);
   EXPECT_EQ(isNew, -1);
-  EXPECT_EQ(varItemSymbol(runState, d, lm.longLabel, isNew), runState.lastColSymbol);
+  EXPECT_EQ(varItemSymbol(runState, d, longLabel, isNew), runState.lastColSymbol);
   EXPECT_EQ(isNew, 0);
 }
 

@@ -1,5 +1,5 @@
-// The report notation: every expected line below is worked out by hand from the rules of the
-// notation, column for column.
+// The report notation: the cases of tests/data/notation/templates.cases, worked out by hand
+// column for column, and what the interpreter does with any template.
 
 #include "base/notation.h"
 
@@ -7,9 +7,15 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iomanip>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
+
+#include "golden.h"
 
 namespace {
 
@@ -21,73 +27,78 @@ struct LenientNotation {
   ~LenientNotation() { notationStrict = true; }
 };
 
-// A template, its values and the lines they give.
+// A case of tests/data/notation/templates.cases: its line, its mode (blank, "lenient",
+// "well-formed" or "malformed"), the template, its values as written and the lines it gives.
 struct Case {
-  const char* tmpl;
-  std::vector<FmtValue> values;
+  size_t line = 0;
+  std::string mode, tmpl;
+  std::vector<std::string> tokens;  // a text keeps its opening quote
   Lines expected;
+
+  std::vector<FmtValue> values() const {
+    std::vector<FmtValue> v;
+    for (const std::string& t : tokens) {
+      if (t.starts_with('"')) {
+        v.emplace_back(std::string_view(t).substr(1));
+      } else if (t.find_first_of(".ein") != std::string::npos) {
+        v.emplace_back(std::strtod(t.c_str(), nullptr));
+      } else {
+        v.emplace_back(std::stoll(t));
+      }
+    }
+    return v;
+  }
 };
 
-void expectCases(const std::vector<Case>& cases) {
-  for (const Case& c : cases) EXPECT_EQ(formatTemplate(c.tmpl, c.values), c.expected) << c.tmpl;
+std::vector<Case> readTemplateCases() {
+  std::vector<Case> cases;
+  const Lines lines =
+      readLines(std::filesystem::path(SOURCE_DIR) / "tests/data/notation/templates.cases");
+  for (size_t n = 0; n < lines.size(); ++n) {
+    const std::string& l = lines[n];
+    if (l.empty() || l[0] == '#') continue;
+    Case c;
+    c.line = n + 1;
+    const size_t open = l.find('['), close = l.find(']', open);
+    if (close == std::string::npos) {
+      ADD_FAILURE() << "templates.cases:" << c.line << ": no [template]";
+      continue;
+    }
+    c.mode = l.substr(0, open == 0 ? 0 : open - 1);
+    c.tmpl = l.substr(open + 1, close - open - 1);
+    const size_t arrow = l.find(" => ", close);
+    std::istringstream in(l.substr(close + 1, arrow - close - 1));
+    while (!(in >> std::ws).eof()) {
+      const bool text = in.peek() == '"';
+      std::string t;
+      in >> std::quoted(t);
+      c.tokens.push_back(text ? '"' + t : t);
+    }
+    for (size_t at = arrow + 4, end; arrow != std::string::npos && l[at] == '['; at = end + 1) {
+      if ((end = l.find(']', at)) == std::string::npos) break;
+      c.expected.push_back(l.substr(at + 1, end - at - 1));
+    }
+    cases.push_back(c);
+  }
+  return cases;
 }
 
-TEST(NotationLiterals, Cases) {
-  expectCases({
-      // Outer parentheses write nothing.
-      {"(1X,'abc')", {}, {" abc"}},
-      {"1X,'abc'", {}, {" abc"}},
-      {"( 1X , 'abc' )", {}, {" abc"}},
-      // Doubled apostrophe is one.
-      {"('It''s',1X,'''q''')", {}, {"It's 'q'"}},
-      // Parentheses and commas inside a literal are text.
-      {"('(a,b)')", {}, {"(a,b)"}},
-      // Column one is printed as is.
-      {"(A2)", {"=1"}, {"=1"}},
-      {"('1abc')", {}, {"1abc"}},
-      {"(A)", {"=L#### MODRAKE PICTURE  "}, {"=L#### MODRAKE PICTURE  "}},
-      // Blanks and slashes.
-      {"(I2,3X,I2)", {1, 2}, {" 1    2"}},
-      {"(4X,A)", {"note"}, {"    note"}},
-      {"('a',/,'b')", {}, {"a", "b"}},
-      {"('a'/'b')", {}, {"a", "b"}},
-      // A slash at the head gives an empty line before the text, one at the tail one after it.
-      {"(/,1X,A,/)", {"audit line"}, {"", " audit line", ""}},
-      {"(/,1X,'a')", {}, {"", " a"}},
-      {"(1X,'a',/)", {}, {" a", ""}},
-      {"(1X,'a',2/,'b')", {}, {" a", "", "b"}},
-  });
-}
-
-TEST(NotationIntegers, Cases) {
-  expectCases({
-      // Right justified.
-      {"(I5)", {42}, {"   42"}},
-      {"(I5)", {-42}, {"  -42"}},
-      {"(I1)", {0}, {"0"}},
-      {"(I12)", {2147483647}, {"  2147483647"}},
-      {"(I5)", {99999}, {"99999"}},
-      // A real through I is rounded to the nearest whole number.
-      {"(I5)", {2.5}, {"    3"}},
-      // Too wide fills the field with asterisks; the next field starts in its usual column.
-      {"(I5,I3)", {123456, 7}, {"*****  7"}},
-      {"(1X,I4,'|')", {-1234}, {" ****|"}},
-      {"(I3,I3)", {1000, -99}, {"***-99"}},
-  });
-}
-
-TEST(NotationRepeat, Cases) {
-  expectCases({
-      // Counts and values in order.
-      {"(3I4)", {1, 2, 3}, {"   1   2   3"}},
-      {"(2A3,2F5.1)", {"a", "b", 1.0, 2.0}, {"  a  b  1.0  2.0"}},
-      // Count above the values prints only the values.
-      {"(1X,10I3)", {1, 2}, {"   1  2"}},
-      {"(1X,10I3)", {}, {" "}},
-      // Label and five numbers.
-      {"(1X,A10,' |',I7,34I8)", {"SUPPLY", 1, 22, 333, 4444, 55555},
-       {"     SUPPLY |      1      22     333    4444   55555"}},
-  });
+// Every case of the file: the lines of each template, and whether it is well formed.
+TEST(NotationTemplates, CasesOfTheCaseFile) {
+  const std::vector<Case> cases = readTemplateCases();
+  EXPECT_GT(cases.size(), 100u);
+  for (const Case& c : cases) {
+    SCOPED_TRACE("templates.cases:" + std::to_string(c.line) + " " + c.tmpl);
+    if (c.mode == "well-formed" || c.mode == "malformed") {
+      EXPECT_EQ(templateIsWellFormed(c.tmpl), c.mode == "well-formed");
+    } else if (c.mode.empty() || c.mode == "lenient") {
+      notationStrict = c.mode.empty();
+      EXPECT_EQ(formatTemplate(c.tmpl, c.values()), c.expected);
+    } else {
+      ADD_FAILURE() << "no such mode: " << c.mode;
+    }
+  }
+  notationStrict = true;
 }
 
 TEST(NotationRepeat, OneCharacterTextsThroughA) {
@@ -102,137 +113,6 @@ TEST(NotationRepeat, OneCharacterTextsThroughA) {
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_EQ(lines[0].size(), 61u);
   EXPECT_EQ(lines[0], expected);
-}
-
-TEST(NotationStop, Cases) {
-  expectCases({
-      // Text ahead of the missing value is written text behind not.
-      {"(1X,'x=',I3,' y=',I3,' end')", {5}, {" x=  5 y="}},
-      {"(I3,' a',2X,I3,' b')", {1}, {"  1 a  "}},
-      // A slash ahead of the missing value ends its line, and the next one is ended empty.
-      {"(A,/,A)", {"one"}, {"one", ""}},
-      // No value at all: the line holds the text up to the first item that needs one.
-      {"(1X,'Count:',I5)", {}, {" Count:"}},
-  });
-}
-
-TEST(NotationRestart, Cases) {
-  expectCases({
-      // From the head without groups.
-      {"(1X,I2,I2)", {1, 2, 3, 4, 5}, {"  1 2", "  3 4", "  5"}},
-      // Exactly as many values as items: no extra line.
-      {"(1X,5I2)", {1, 2, 3, 4, 5}, {"  1 2 3 4 5"}},
-      // From the last outermost group.
-      {"(1X,'head',2(I3))", {1, 2, 3, 4, 5}, {" head  1  2", "  3  4", "  5"}},
-      {"(1X,2(I2),'|',3(I2))", {1, 2, 3, 4, 5, 6, 7}, {"  1 2| 3 4 5", " 6 7"}},
-      // The items behind the group belong to each pass after the restart.
-      {"(A,2(I2,1X),I3)", {"t", 1, 2, 3, 4, 5, 6}, {"t 1  2   3", " 4  5   6"}},
-      // An inner group is not where the template starts again: the outer one is.
-      {"(1X,2(I2,2(I1)))", {1, 2, 3, 4, 5, 6, 7, 8}, {"  123 456", " 78"}},
-      {"(1X,'a',2(I2,'b'),'c')", {1, 2, 3, 4, 5, 6}, {" a 1b 2bc", " 3b 4bc", " 5b 6bc"}},
-  });
-}
-
-TEST(NotationText, Cases) {
-  static_assert(sizeof "SUPPLY_AT_THE_PLANTS_OF_SEATTLE" == 32, "a name of 31 characters");
-  expectCases({
-      // Width cuts or right-justifies.
-      {"(A3)", {"x"}, {"  x"}},
-      {"(A3)", {"abcdef"}, {"abc"}},
-      {"(A3)", {"abc"}, {"abc"}},
-      {"(A3,'|')", {""}, {"   |"}},
-      {"(1X,A16,1X,A3)", {"SUPPLY_AT_THE_PLANTS_OF_SEATTLE", "=L="}, {" SUPPLY_AT_THE_PL =L="}},
-      // A keeps the full stored length, trailing blanks included.
-      {"(A,'|')", {"ab  "}, {"ab  |"}},
-  });
-}
-
-TEST(NotationFixed, Cases) {
-  expectCases({
-      // Rounds halves away from zero.
-      {"(F4.0)", {2.5}, {"  3."}},
-      {"(F4.0)", {3.5}, {"  4."}},
-      {"(F5.2)", {0.125}, {" 0.13"}},
-      {"(F5.2)", {-0.125}, {"-0.13"}},
-      {"(F4.1)", {0.25}, {" 0.3"}},
-      {"(F5.0)", {-2.5}, {"  -3."}},
-      // Rounds the value held not its decimal spelling.
-      // 1.005 is held as 1.00499999999999989..., 0.35 as 0.34999999999999997...,
-      // 0.05 as 0.05000000000000000277...
-      {"(F5.2)", {1.005}, {" 1.00"}},
-      {"(F4.1)", {0.35}, {" 0.3"}},
-      {"(F4.1)", {0.05}, {" 0.1"}},
-      {"(F10.4)", {1234.56789}, {" 1234.5679"}},
-      // Carry into a new digit.
-      {"(F6.1)", {9.96}, {"  10.0"}},
-      {"(F4.1)", {99.95}, {"****"}},  // 100.0 needs five columns
-      {"(F5.1)", {-9.96}, {"-10.0"}},
-      {"(F5.1)", {-9.95}, {" -9.9"}},  // -9.95 is -9.949999...
-      // Leading zero only when there is room.
-      {"(F4.2)", {0.5}, {"0.50"}},
-      {"(F3.2)", {0.5}, {".50"}},
-      {"(F5.2)", {-0.5}, {"-0.50"}},
-      {"(F4.2)", {-0.5}, {"-.50"}},
-      {"(F3.2)", {-0.5}, {"***"}},
-      {"(F4.0)", {0.4}, {"  0."}},
-      // Negative values.
-      {"(F8.3)", {-12.3456}, {" -12.346"}},
-      {"(F7.3)", {-12.3456}, {"-12.346"}},
-      {"(F6.3)", {-12.3456}, {"******"}},
-      // Negative rounding to zero keeps its sign.
-      {"(F5.2)", {-0.001}, {"-0.00"}},
-      {"(F4.2)", {-0.001}, {"-.00"}},
-      {"(F5.0)", {-0.4}, {"  -0."}},
-      // A zero has no sign, whatever its bits.
-      {"(F5.2)", {-0.0}, {" 0.00"}},
-      {"(F5.2)", {0.0}, {" 0.00"}},
-      // Whole numbers too large and not numbers.
-      {"(F6.2)", {3}, {"  3.00"}},
-      {"(F6.2)", {1234.567}, {"******"}},
-      {"(F8.2)", {1234.567}, {" 1234.57"}},
-      {"(F10.2,'|')", {3e300}, {"**********|"}},
-      {"(F5.1)", {std::nan("")}, {"*****"}},
-      {"(F5.1)", {-HUGE_VAL}, {"*****"}},
-  });
-}
-
-TEST(NotationExponent, Cases) {
-  expectCases({
-      // Infinity values have no letter E.
-      {"(E16.5)", {3e+300}, {"     0.30000+301"}},
-      {"(E16.5)", {4e+300}, {"     0.40000+301"}},
-      {"(E16.5)", {-3e+300}, {"    -0.30000+301"}},
-      // Ordinary values.
-      {"(E12.5)", {1234.5}, {" 0.12345E+04"}},
-      {"(E10.3)", {1.0}, {" 0.100E+01"}},
-      {"(E12.5)", {0.1}, {" 0.10000E+00"}},
-      {"(E12.5)", {0.000123456}, {" 0.12346E-03"}},
-      {"(E12.5)", {125}, {" 0.12500E+03"}},
-      // Zero and negatives.
-      {"(E12.5)", {0.0}, {" 0.00000E+00"}},
-      {"(E12.5)", {-0.0}, {" 0.00000E+00"}},
-      {"(E12.5)", {-2.0}, {"-0.20000E+01"}},
-      {"(E13.5)", {-0.00731}, {" -0.73100E-02"}},
-      // Rounds halves away from zero and carries.
-      {"(E12.4)", {-1234.5}, {" -0.1235E+04"}},
-      {"(E10.2)", {125}, {"  0.13E+03"}},
-      {"(E10.2)", {-125}, {" -0.13E+03"}},
-      {"(E10.2)", {0.125}, {"  0.13E+00"}},
-      {"(E10.2)", {0.995}, {"  0.99E+00"}},  // 0.99499999...
-      {"(E10.3)", {9999.6}, {" 0.100E+05"}},
-      // Exponents around minus one hundred.
-      {"(E12.5)", {1e-100}, {" 0.10000E-99"}},
-      {"(E12.5)", {1e-101}, {" 0.10000-100"}},
-      {"(E12.5)", {-2.5e-101}, {"-0.25000-100"}},
-      // Rounding up carries 0.99999|96E-99 into the next exponent.
-      {"(E12.5)", {9.999996e-100}, {" 0.10000E-98"}},
-      {"(E12.5)", {1e+99}, {" 0.10000+100"}},
-      {"(E12.5)", {4.9406564584124654e-324}, {" 0.49407-323"}},
-      // Narrow fields.
-      {"(E11.5)", {-1.0}, {"-.10000E+01"}},
-      {"(E10.5,'|')", {-1.0}, {"**********|"}},
-      {"(E8.2)", {std::nan("")}, {"********"}},
-  });
 }
 
 TEST(NotationFree, OneBlankThenTheItems) {
@@ -266,37 +146,9 @@ TEST(NotationChannels, LinesAndFiles) {
   EXPECT_EQ(std::string(buf, n), "\n audit\n\n \n");
 }
 
-TEST(NotationTemplates, ReportTemplatesAreWellFormed) {
-  for (const char* t :
-       {"(1X,A16,1X,A3,1X,5I5,3X,F10.4,1X,F10.4)", "/,1X,A,/", "(4X,A)", "1X,254A",
-        "1X,A10,' |',I7,34I8", "('Number of variable requests too large',/,1X,'    Maximum is ',I4,/,1X,'**** Fatal error in MODRAKE')",
-        "(1X,'  irblock =',I8,'  icblock =',I8)", "(1X,2(I2),'|',3(I2))", "(A,/,A)", "(E16.5)",
-        "(2/)", "()", "", "(1X,'it''s')"}) {
-    EXPECT_TRUE(templateIsWellFormed(t)) << t;
-  }
-}
-
-TEST(NotationTemplates, MalformedTemplatesAreRecognised) {
-  for (const char* t : {"(I)", "(F5)", "(F5.)", "(E8.0)", "(A0)", "(Q5)", "(1X,'abc", "(2(I3)",
-                        "(I3))", "(I3,,I3)", "(,I3)", "(I3,)", "(0I3)", "(I3 I3)", "(3'ab')",
-                        "(I3,())", "(5)"}) {
-    EXPECT_FALSE(templateIsWellFormed(t)) << t;
-  }
-}
-
 TEST(NotationTemplates, MalformedTemplateAssertsInDebugBuilds) {
   EXPECT_DEBUG_DEATH(formatTemplate("(1X,Q5)"), "malformed report template");
   EXPECT_DEBUG_DEATH(formatTemplate("(I5)", {"text"}), "kinds differ");
-}
-
-TEST(NotationTemplates, MalformedTemplateWritesUpToItsFault) {
-  LenientNotation lenient;
-  expectCases({
-      {"(1X,'ab',Q5,I3)", {1}, {" ab"}},
-      {"(1X,'abc", {}, {" "}},
-      {"(1X,2(I2,'x')", {1, 2}, {"  1x 2x"}},
-      {"(I5)", {"text"}, {"*****"}},
-  });
 }
 
 // Random templates from the notation's own characters, and random values: whatever comes in,

@@ -36,43 +36,39 @@ struct RequestLine : ::testing::Test {
   }
 };
 
-TEST_F(RequestLine, LeadingBlanksAndApostrophesGoCaseRises) {
-  int32_t c = -1;
-  EXPECT_EQ(norm("blockpic", &c), "BLOCKPIC");
-  EXPECT_EQ(c, 0);
-  EXPECT_EQ(norm("   ' 'analysis"), "ANALYSIS");
-  EXPECT_EQ(norm("\"quoted\" x"), "\"QUOTED\"X");  // a double quote stays
-  EXPECT_EQ(norm("$pw = 130"), "$PW=130");
-}
-
-TEST_F(RequestLine, BlanksGoUpToTheFirstParenthesisOnly) {
-  EXPECT_EQ(norm("block pic"), "BLOCKPIC");
-  EXPECT_EQ(norm("supply (seattle, *)"), "SUPPLY(SEATTLE, *)");
-  EXPECT_EQ(norm("x ( 'new york' , b )  c"), "X( 'NEW YORK' , B )  C");
-  EXPECT_EQ(norm("a b)c ( d"), "AB)C( D");
-}
-
-TEST_F(RequestLine, ControlCharactersCountAsBlanks) {
-  EXPECT_EQ(norm("block\tpic"), "BLOCKPIC");
-  EXPECT_EQ(norm("\x01\x02" "analysis\x14"), "ANALYSIS");
-  EXPECT_EQ(norm("x(a\tb)"), "X(A B)");
-  // Code 21 and above are characters like any other; bytes above 127 stay as they are.
-  EXPECT_EQ(norm("a\x15" "b"), "A\x15" "B");
-  EXPECT_EQ(norm("x(caf\xc3\xa9)"), "X(CAF\xc3\xa9)");
-}
-
-TEST_F(RequestLine, BlankAndSilentLinesAreComments) {
-  int32_t c = -1;
-  EXPECT_EQ(norm("", &c), "");
-  EXPECT_EQ(c, 1);
-  EXPECT_EQ(norm("      ", &c), "");
-  EXPECT_EQ(c, 1);
-  EXPECT_EQ(norm("'''", &c), "");
-  EXPECT_EQ(c, 1);
-  EXPECT_EQ(norm("\t\t", &c), "");
-  EXPECT_EQ(c, 1);
-  EXPECT_EQ(norm("  ? all demand rows", &c), "?ALLDEMANDROWS");
-  EXPECT_EQ(c, 1);
+// The normal form of a line and whether it is a comment: leading blanks and apostrophes go,
+// case rises, blanks go up to the first parenthesis only, control characters count as blanks.
+TEST_F(RequestLine, NormalForms) {
+  const struct {
+    std::string raw, normal;
+    int32_t comment;
+  } cases[] = {
+      {"blockpic", "BLOCKPIC", 0},
+      {"   ' 'analysis", "ANALYSIS", 0},
+      {"\"quoted\" x", "\"QUOTED\"X", 0},  // a double quote stays
+      {"$pw = 130", "$PW=130", 0},
+      {"block pic", "BLOCKPIC", 0},
+      {"supply (seattle, *)", "SUPPLY(SEATTLE, *)", 0},
+      {"x ( 'new york' , b )  c", "X( 'NEW YORK' , B )  C", 0},
+      {"a b)c ( d", "AB)C( D", 0},
+      {"block\tpic", "BLOCKPIC", 0},
+      {"\x01\x02" "analysis\x14", "ANALYSIS", 0},
+      {"x(a\tb)", "X(A B)", 0},
+      // Code 21 and above are characters like any other; bytes above 127 stay as they are.
+      {"a\x15" "b", "A\x15" "B", 0},
+      {"x(caf\xc3\xa9)", "X(CAF\xc3\xa9)", 0},
+      // Blank and silent lines are comments, and are not counted.
+      {"", "", 1},
+      {"      ", "", 1},
+      {"'''", "", 1},
+      {"\t\t", "", 1},
+      {"  ? all demand rows", "?ALLDEMANDROWS", 1},
+  };
+  for (const auto& c : cases) {
+    int32_t comment = -1;
+    EXPECT_EQ(norm(c.raw, &comment), c.normal) << c.raw;
+    EXPECT_EQ(comment, c.comment) << c.raw;
+  }
   EXPECT_EQ(runState.commentCount, 0);
 }
 

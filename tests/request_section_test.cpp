@@ -11,6 +11,7 @@
 namespace {
 
 using request_test::Section;
+using analysis_test::pad;
 using request_test::trim;
 using Lines = std::vector<std::string>;
 
@@ -20,10 +21,6 @@ struct SectionReader : ::testing::Test {
     runState.pageWidthRequest = 0;
   }
   void TearDown() override { runState.commentCount = 0; }
-  static std::string padded(std::string s, size_t n) {
-    s.resize(n, ' ');
-    return s;
-  }
 };
 
 TEST_F(SectionReader, PostoptExampleLineByLine) {
@@ -37,7 +34,7 @@ TEST_F(SectionReader, PostoptExampleLineByLine) {
   EXPECT_EQ(s.equs(), (Lines{"DEMAND|1|*|1|0", "SUPPLY|3|SEATTLE|_|*|1|0"}));
   EXPECT_EQ(trim(s.tables.lists.row.raw.view(2)), "SUPPLY(SEATTLE, *)");
   EXPECT_EQ(s.vars(), (Lines{"X|1|*|0|3"}));
-  EXPECT_EQ(s.keyword, padded("PICTURE", NAME_LEN));
+  EXPECT_EQ(s.keyword, pad("PICTURE", NAME_LEN));
   EXPECT_TRUE(s.status.empty());
 }
 
@@ -74,7 +71,7 @@ TEST_F(SectionReader, CompletesTheListsTheUserLeftOut) {
     s.read(c.procIndex, c.lines);
     EXPECT_EQ(s.vars(), c.vars);
     EXPECT_EQ(s.equs(), c.equs);
-    EXPECT_EQ(s.keyword, padded("THEEND", NAME_LEN));
+    EXPECT_EQ(s.keyword, pad("THEEND", NAME_LEN));
   }
 }
 
@@ -92,9 +89,9 @@ TEST_F(SectionReader, HeaderRefusesWordsItsProcedureLacks) {
   Section m;
   m.read(PROC_MATCHIT, {"LISTVARIBLE", "VERBOSE", "INVARIABLE"});
   ASSERT_EQ(m.status.size(), 3u);
-  EXPECT_EQ(m.status[0], padded(" Input not valid for this procedure -- LISTVARIBLE", 89));
-  EXPECT_EQ(m.status[1], padded(" Input not valid for this procedure -- VERBOSE", 89));
-  EXPECT_EQ(m.status[2], padded(" Input ignored -- INVARIABLE", 68));
+  EXPECT_EQ(m.status[0], pad(" Input not valid for this procedure -- LISTVARIBLE", 89));
+  EXPECT_EQ(m.status[1], pad(" Input not valid for this procedure -- VERBOSE", 89));
+  EXPECT_EQ(m.status[2], pad(" Input ignored -- INVARIABLE", 68));
 
   // NONOPT and ADVISORY accept no section word; only NONOPT its two modifiers.
   Section n;
@@ -104,7 +101,7 @@ TEST_F(SectionReader, HeaderRefusesWordsItsProcedureLacks) {
   Section a;
   a.read(PROC_ADVISORY, {"VERBOSE"});
   EXPECT_EQ(a.flags.verbosity, 0);
-  EXPECT_EQ(a.status.front(), padded(" Input not valid for this procedure -- VERBOSE", 89));
+  EXPECT_EQ(a.status.front(), pad(" Input not valid for this procedure -- VERBOSE", 89));
 }
 
 // Behind a section word, words the procedure lacks, THEEND and $PW= in the equation section are
@@ -120,7 +117,7 @@ TEST_F(SectionReader, SectionsTakeUnknownWordsAsRequests) {
   EXPECT_EQ(s.vars(), (Lines{"LISTVARIBLE|1|*|3|0", "THEEND|1|*|3|0"}));
   EXPECT_EQ(s.equs(), (Lines{"$PW=60|1|*|3|0", "NEWYORK'|1|*|3|0", "\"LA\"|1|*|3|0"}));
   EXPECT_EQ(runState.pageWidthRequest, 60);
-  EXPECT_EQ(s.keyword, padded("POSTOPT", NAME_LEN));
+  EXPECT_EQ(s.keyword, pad("POSTOPT", NAME_LEN));
   EXPECT_TRUE(s.status.empty());
 }
 
@@ -131,7 +128,7 @@ TEST_F(SectionReader, FullListsStopTheReader) {
   v.read(PROC_MATCHIT, {"VARIABLE", "A", "B", "C"});
   EXPECT_EQ(v.tables.lists.varCount, 2);
   EXPECT_EQ(v.tables.lists.equCount, 0);
-  EXPECT_EQ(v.keyword, padded("B", NAME_LEN));
+  EXPECT_EQ(v.keyword, pad("B", NAME_LEN));
   const Lines varMessage = {"Number of variable requests too large", "     Maximum is    2",
                             " **** Fatal error in MODRAKE"};
   EXPECT_EQ(v.status, varMessage);
@@ -140,7 +137,7 @@ TEST_F(SectionReader, FullListsStopTheReader) {
   Section e(3, 3);
   e.read(PROC_DISPLAYCR, {"EQUATION", "A", "B", "C", "D"});
   EXPECT_EQ(e.equs(), (Lines{"A|1|*|3|0", "B|1|*|3|0"}));
-  EXPECT_EQ(e.keyword, padded("C", NAME_LEN));
+  EXPECT_EQ(e.keyword, pad("C", NAME_LEN));
   EXPECT_EQ(e.status,
             (Lines{" ****Number of equation requests too large     Maximum is 3Fatal error"}));
 

@@ -159,26 +159,19 @@ TEST(WorkArrayPartition, SizingPhaseTakesTheLargestLayout) {
   }
 }
 
+// The block pair tables: 50000 x 50000 exceeds 2147483647 already as a product; 46341 x 46341
+// = 2147488281 just above; 46340 x 46340 = 2147395600 fits, but two double tables of that many
+// words do not: the 32-bit sum wraps and differs from the sum in double precision. Well inside
+// the range the test passes.
 TEST(WorkArrayPartition, OverflowOfTheBlockPairTables) {
-  PartitionSizes s = oddSizes();
-  const auto fits = [&](Phase phase) { return layout(phase, s).fits; };
-  // 50000 x 50000 exceeds 2147483647 already as a product.
-  s.icblock = 50000;
-  s.irblock = 50000;
-  EXPECT_FALSE(fits(Phase::BlockPic));
-  EXPECT_FALSE(fits(Phase::Largest));
-  s.icblock = 46341;  // 46341 x 46341 = 2147488281, just above
-  s.irblock = 46341;
-  EXPECT_FALSE(fits(Phase::BlockPic));
-  // 46340 x 46340 = 2147395600 fits, but two double tables of that many words do not: the
-  // 32-bit sum wraps and differs from the sum in double precision.
-  s.icblock = 46340;
-  s.irblock = 46340;
-  EXPECT_FALSE(fits(Phase::BlockPic));
-  EXPECT_FALSE(fits(Phase::Largest));
-  // Well inside the range the test passes.
-  s.icblock = 1000;
-  s.irblock = 1000;
-  EXPECT_TRUE(fits(Phase::BlockPic));
-  EXPECT_TRUE(fits(Phase::Largest));
+  const struct {
+    int32_t blocks;
+    bool fits;
+  } cases[] = {{50000, false}, {46341, false}, {46340, false}, {1000, true}};
+  for (const auto& c : cases) {
+    PartitionSizes s = oddSizes();
+    s.icblock = s.irblock = c.blocks;
+    EXPECT_EQ(layout(Phase::BlockPic, s).fits, c.fits) << c.blocks;
+    EXPECT_EQ(layout(Phase::Largest, s).fits, c.fits) << c.blocks;
+  }
 }
