@@ -8,6 +8,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "host/memory.h"
 #include "host/names.h"
 
 namespace {
@@ -118,6 +119,7 @@ struct Reader {
     } else if constexpr (std::is_arithmetic_v<typename T::value_type>) {
       uint64_t n = 0;
       if (!length(n, sizeof(typename T::value_type))) return;
+      hostReserveHuge(value, n);
       value.resize(n);
       bytes(value.data(), n * sizeof(typename T::value_type));
     } else {

@@ -9,17 +9,22 @@
 #include <cstring>
 #include <memory>
 
+#include "host/memory.h"
 #include "host/name_table.h"
 #include "host/names.h"
 #include "host/readers_internal.h"
 
 namespace {
 
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
 enum class Section { None, Name, ObjSense, Rows, Columns, Rhs, Ranges, Bounds, End };
 
 constexpr int32_t kNoRow = -1;
 // No line of an MPS file comes near this; a file without line ends is refused early.
 constexpr std::size_t kLongestLine = std::size_t{1} << 16;
+// How far ahead of the line in hand the rows of COLUMNS lines are asked for from memory.
+constexpr int32_t kLinesAhead = 8;
 // Entries reserved at most before reading: a column index is a 32-bit number.
 constexpr std::size_t kMaxReserve = std::size_t{1} << 30;
 
@@ -43,7 +48,25 @@ struct MpsReader {
 
   HostNameTable cols;
   bool inInteger = false;
-  std::vector<int32_t> rowLastCol;  // the column that last gave an entry in the row
+  // A row given twice in one column: the rows of a short column are kept in a short list
+  // and searched there; a longer column marks its rows with its number in rowLastCol, which is
+  // so touched only by long columns.
+  static constexpr std::size_t kListedRows = 16;
+  std::vector<int32_t> colRows;     // the rows of the column in hand, while it is short
+  std::vector<int32_t> rowLastCol;  // the long column that last gave an entry in the row
+  bool repeated(int32_t row, int32_t c) {
+    if (colRows.size() < kListedRows) {
+      if (std::find(colRows.begin(), colRows.end(), row) != colRows.end()) return true;
+      colRows.push_back(row);
+      if (colRows.size() == kListedRows) {
+        for (int32_t r : colRows) rowLastCol[static_cast<std::size_t>(r)] = c;
+      }
+      return false;
+    }
+    if (rowLastCol[static_cast<std::size_t>(row)] == c) return true;
+    rowLastCol[static_cast<std::size_t>(row)] = c;
+    return false;
+  }
   std::vector<char> colMarked;      // integer by a marker
   std::vector<char> colBoundKind;   // 'B' binary, 'I' integer by a bound, 0 otherwise
   std::vector<char> lowerSet, upperSet;
@@ -75,6 +98,19 @@ struct MpsReader {
   bool columnsLine(const std::vector<std::string_view>& f);
   bool valuesLine(const std::vector<std::string_view>& f, bool ranges);
   bool boundsLine(const std::vector<std::string_view>& f);
+  // Asks for the slots of the rows that a later line of COLUMNS names, so that the lookups
+  // of that line find them in the cache: a row lookup is otherwise a wait on memory, six
+  // million times in a large model. Free form only; a line it cannot read is left to readLine.
+  void prefetchRows(std::string_view text) const {
+    if (fixed || section != Section::Columns || text.empty() || !isBlank(text[0])) return;
+    std::size_t i = 0;
+    for (int32_t field = 0; field < 5 && i < text.size(); ++field) {
+      while (i < text.size() && isBlank(text[i])) ++i;
+      const std::size_t b = i;
+      while (i < text.size() && !isBlank(text[i])) ++i;
+      if (field % 2 == 1 && i > b) rows.prefetch(text.substr(b, i - b));
+    }
+  }
   void openColumns();
   void closeColumns();
   void finish(const SymbolRule& rule);
@@ -82,8 +118,6 @@ struct MpsReader {
   std::vector<std::string_view> fields;
   std::string squeezed[6];  // fixed-form fields with blanks inside, without them
 };
-
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 std::string_view trim(std::string_view s) {
   while (!s.empty() && isBlank(s.front())) s.remove_prefix(1);
@@ -205,15 +239,16 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
     if (c < before) return fail("column " + quoted(col) + " given in two places");
     colMarked.push_back(inInteger ? 1 : 0);
     inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
+    colRows.clear();
   }
-  for (std::size_t k = first + 1; k + 1 < f.size(); k += 2) {
-    const int32_t row = rows.find(f[k]);
+  uint64_t hashes[2] = {};
+  for (std::size_t k = first + 1, q = 0; k + 1 < f.size(); k += 2, ++q) hashes[q] = rows.prefetch(f[k]);
+  for (std::size_t k = first + 1, q = 0; k + 1 < f.size(); k += 2, ++q) {
+    const int32_t row = rows.find(f[k], hashes[q]);
     if (row < 0) return fail("row " + quoted(f[k]) + " is not in the ROWS section");
     double value = 0;
     if (!number(f[k + 1], value)) return false;
-    if (rowLastCol[row] == c) return fail("column " + quoted(col) + " has row " +
-                                          quoted(f[k]) + " twice");
-    rowLastCol[row] = c;
+    if (repeated(row, c)) return fail("column " + quoted(col) + " has row " + quoted(f[k]) + " twice");
     if (value == 0.0) continue;
     inst.entryRow.push_back(row);
     inst.entryValue.push_back(value);
@@ -547,8 +582,8 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   // the two largest arrays are not copied as they grow; pages never written cost nothing.
   if (fileSize > 0) {
     const auto entries = std::min<std::size_t>(static_cast<std::size_t>(fileSize) / 10, kMaxReserve);
-    inst.entryRow.reserve(entries);
-    inst.entryValue.reserve(entries);
+    hostReserveHuge(inst.entryRow, entries);
+    hostReserveHuge(inst.entryValue, entries);
   }
   // Lines are cut from blocks of the file; a line that runs over a block's end is carried.
   constexpr std::size_t kBlock = std::size_t{1} << 20;
@@ -561,7 +596,19 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
     done += static_cast<int64_t>(got);
     if (progress) progress(done, fileSize);
     std::string_view block(buffer.data(), got);
+    std::string_view ahead = block;  // the lines from kLinesAhead lines past the current one
+    int32_t linesAhead = 0;
     while (!block.empty()) {
+      for (; linesAhead < kLinesAhead && !ahead.empty(); ++linesAhead) {
+        const std::size_t end = ahead.find('\n');
+        if (end == std::string_view::npos) {
+          ahead = {};
+          break;
+        }
+        reader.prefetchRows(ahead.substr(0, end));
+        ahead.remove_prefix(end + 1);
+      }
+      if (linesAhead > 0) --linesAhead;
       const std::size_t eol = block.find('\n');
       if (eol == std::string_view::npos) {
         carry.append(block);

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/memory.h"
+
 struct HostNameTable {
   static constexpr std::size_t kInline = 20;
   struct alignas(32) Slot {
@@ -39,9 +41,13 @@ struct HostNameTable {
       h = (h ^ w) * 0xbf58476d1ce4e5b9ull;
       h ^= h >> 31;
     }
-    if (i < s.size()) {
+    if (i < s.size()) {  // the last bytes: the last eight of a long name, else one by one
       uint64_t w = 0;
-      std::memcpy(&w, s.data() + i, s.size() - i);
+      if (s.size() >= 8) {
+        std::memcpy(&w, s.data() + s.size() - 8, 8);
+      } else {
+        for (; i < s.size(); ++i) w = (w << 8) | static_cast<unsigned char>(s[i]);
+      }
       h = (h ^ w) * 0x94d049bb133111ebull;
     }
     // The products carry a byte's change only upwards: mix the high bits into the low ones
@@ -64,9 +70,18 @@ struct HostNameTable {
     return at;
   }
   // The index of `s`, or -1.
-  int32_t find(std::string_view s) const {
+  int32_t find(std::string_view s) const { return find(s, hash(s)); }
+  // The same for `s` of hash `h`, which `prefetch` has begun to fetch.
+  int32_t find(std::string_view s, uint64_t h) const {
     if (slots.empty()) return -1;
-    return slots[slotOf(s, hash(s))].index;
+    return slots[slotOf(s, h)].index;
+  }
+  // The hash of `s`, with its slot asked for from memory: a reader that looks up several
+  // names at once waits for their slots together instead of one after the other.
+  uint64_t prefetch(std::string_view s) const {
+    const uint64_t h = hash(s);
+    if (!slots.empty()) __builtin_prefetch(&slots[static_cast<std::size_t>(h) & (slots.size() - 1)]);
+    return h;
   }
   // Room for `n` names without growing the table.
   void reserve(std::size_t n) {
@@ -92,6 +107,8 @@ struct HostNameTable {
 
  private:
   void rehash(std::size_t slotCount) {
+    std::vector<Slot>().swap(slots);
+    hostReserveHuge(slots, slotCount);
     slots.assign(slotCount, Slot{});
     for (int32_t k = 0; k < size(); ++k) {
       const std::string_view t = name(k);

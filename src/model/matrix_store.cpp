@@ -6,6 +6,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "host/memory.h"
+
 ModelStore modelStore;
 
 namespace {
@@ -14,6 +16,10 @@ namespace {
 template <class T>
 bool allocate(std::vector<T>& data, Vec1<T>& view, int32_t n) {
   try {
+    if (data.capacity() < static_cast<size_t>(n)) {
+      std::vector<T>().swap(data);
+      hostReserveHuge(data, static_cast<size_t>(n));
+    }
     data.assign(static_cast<size_t>(n), T{});
   } catch (const std::bad_alloc&) {
     view = {};

@@ -1,10 +1,10 @@
 #include "model/work_array.h"
 
-#include <sys/mman.h>
-
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+
+#include "host/memory.h"
 
 WorkArray workArray;
 
@@ -113,26 +113,11 @@ bool partitionWorkArray(Phase phase, const PartitionSizes& sizes, int32_t start,
   return false;
 }
 
-namespace {
-
-// A large model's work array runs to hundreds of megabytes, touched first by the procedure that
-// runs first. Asking for huge pages over its aligned middle turns hundreds of thousands of page
-// faults, each zeroing 4 KB, into a few hundred; where the kernel has none to give, nothing
-// changes.
-void preferHugePages(void* p, size_t bytes) {
-  constexpr uintptr_t kHuge = uintptr_t{2} << 20;
-  const uintptr_t start = (reinterpret_cast<uintptr_t>(p) + kHuge - 1) & ~(kHuge - 1);
-  const uintptr_t end = (reinterpret_cast<uintptr_t>(p) + bytes) & ~(kHuge - 1);
-  if (end > start) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
-}
-
-}  // namespace
-
 bool allocateWorkArray(int64_t total) {
   if (total < 1) total = 1;
   void* p = std::calloc(static_cast<size_t>(total), 8);
   if (p == nullptr) return false;
-  preferHugePages(p, static_cast<size_t>(total) * 8);
+  hostPreferHugePages(p, static_cast<size_t>(total) * 8);  // touched first by a procedure
   std::free(workArray.words);  // a run allocates once; a test may allocate again
   workArray.words = p;
   workArray.total = total;
