@@ -23,7 +23,7 @@ enum class Section { None, Name, ObjSense, Rows, Columns, Rhs, Ranges, Bounds, E
 constexpr int32_t kNoRow = -1;
 // No line of an MPS file comes near this; a file without line ends is refused early.
 constexpr std::size_t kLongestLine = std::size_t{1} << 16;
-// How far ahead of the line in hand the rows of COLUMNS lines are asked for from memory.
+// How far ahead of the line in hand the names of COLUMNS and BOUNDS lines are asked for.
 constexpr int32_t kLinesAhead = 8;
 // Entries reserved at most before reading: a column index is a 32-bit number.
 constexpr std::size_t kMaxReserve = std::size_t{1} << 30;
@@ -98,17 +98,28 @@ struct MpsReader {
   bool columnsLine(const std::vector<std::string_view>& f);
   bool valuesLine(const std::vector<std::string_view>& f, bool ranges);
   bool boundsLine(const std::vector<std::string_view>& f);
-  // Asks for the slots of the rows that a later line of COLUMNS names, so that the lookups
-  // of that line find them in the cache: a row lookup is otherwise a wait on memory, six
-  // million times in a large model. Free form only; a line it cannot read is left to readLine.
-  void prefetchRows(std::string_view text) const {
-    if (fixed || section != Section::Columns || text.empty() || !isBlank(text[0])) return;
-    std::size_t i = 0;
-    for (int32_t field = 0; field < 5 && i < text.size(); ++field) {
+  // Asks for the slots of the names that a later line of COLUMNS (its rows) or BOUNDS (its
+  // column) looks up, so that the lookups of that line find them in the cache: a lookup is
+  // otherwise a wait on memory, millions of times in a large model. Free form only; a line it
+  // cannot read is left to readLine.
+  void prefetchNames(std::string_view text) const {
+    const bool columns = section == Section::Columns;
+    if (fixed || (!columns && section != Section::Bounds) || text.empty() || !isBlank(text[0]))
+      return;
+    std::string_view field[5];
+    std::size_t i = 0, count = 0;
+    for (; count < 5 && i < text.size(); ++count) {
       while (i < text.size() && isBlank(text[i])) ++i;
       const std::size_t b = i;
       while (i < text.size() && !isBlank(text[i])) ++i;
-      if (field % 2 == 1 && i > b) rows.prefetch(text.substr(b, i - b));
+      field[count] = text.substr(b, i - b);
+    }
+    if (columns) {
+      for (std::size_t k = 1; k < count; k += 2) rows.prefetch(field[k]);
+    } else if (count >= 2) {  // type, [set,] column[, value], as boundsLine reads them
+      const std::string_view type = field[0];
+      const bool valued = type != "FR" && type != "MI" && type != "PL" && type != "BV";
+      cols.prefetch(field[count == (valued ? 4u : 3u) ? 2 : 1]);
     }
   }
   void openColumns();
@@ -605,7 +616,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
           ahead = {};
           break;
         }
-        reader.prefetchRows(ahead.substr(0, end));
+        reader.prefetchNames(ahead.substr(0, end));
         ahead.remove_prefix(end + 1);
       }
       if (linesAhead > 0) --linesAhead;

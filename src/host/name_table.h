@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -14,13 +15,13 @@
 
 #include "host/memory.h"
 
-struct HostNameTable {
-  static constexpr std::size_t kInline = 20;
-  struct alignas(32) Slot {
+template <std::size_t kInline>
+struct NameTableOf {
+  struct alignas(kInline > 0 ? 32 : 16) Slot {
     uint32_t tag = 0;
     int32_t index = -1;  // -1: an empty slot
     uint32_t length = 0;
-    char text[kInline] = {};
+    std::array<char, kInline> text{};
   };
   std::string arena;                  // the names' texts, one after the other
   std::vector<std::size_t> start{0};  // arena offset of each name, and one past the last
@@ -58,7 +59,8 @@ struct HostNameTable {
   }
   bool holds(const Slot& slot, uint32_t tag, std::string_view s) const {
     if (slot.tag != tag || slot.length != s.size()) return false;
-    if (std::memcmp(slot.text, s.data(), std::min(s.size(), kInline)) != 0) return false;
+    if (kInline > 0 && std::memcmp(slot.text.data(), s.data(), std::min(s.size(), kInline)) != 0)
+      return false;
     return s.size() <= kInline || name(slot.index) == s;
   }
   // The slot where `s`, of hash `h`, is or would go.
@@ -80,19 +82,19 @@ struct HostNameTable {
   // names at once waits for their slots together instead of one after the other.
   uint64_t prefetch(std::string_view s) const {
     const uint64_t h = hash(s);
-    if (!slots.empty()) __builtin_prefetch(&slots[static_cast<std::size_t>(h) & (slots.size() - 1)]);
+    if (!slots.empty()) hostPrefetch(&slots[static_cast<std::size_t>(h) & (slots.size() - 1)]);
     return h;
   }
-  // Room for `n` names without growing the table.
+  // Room for `n` names without growing the table, which is then up to 70 percent full.
   void reserve(std::size_t n) {
     std::size_t want = 64;
-    while (want < 2 * n) want *= 2;
+    while (want * 7 < n * 10) want *= 2;
     if (want > slots.size()) rehash(want);
   }
   // The index of `s`, added when it is not there yet (then the index is size() - 1), found with
   // one probe of the table.
   int32_t insert(std::string_view s) {
-    if (static_cast<std::size_t>(size() + 1) * 2 > slots.size()) {
+    if (static_cast<std::size_t>(size() + 1) * 10 > slots.size() * 7) {
       rehash(std::max<std::size_t>(64, slots.size() * 2));
     }
     const uint64_t h = hash(s);
@@ -120,6 +122,11 @@ struct HostNameTable {
     slot.tag = static_cast<uint32_t>(h >> 32);
     slot.index = k;
     slot.length = static_cast<uint32_t>(s.size());
-    std::memcpy(slot.text, s.data(), std::min(s.size(), kInline));
+    if constexpr (kInline > 0) std::memcpy(slot.text.data(), s.data(), std::min(s.size(), kInline));
   }
 };
+
+// Model names: most are found by one slot.
+using HostNameTable = NameTableOf<20>;
+// Keys that are mostly added, rarely found: slots of 16 bytes, the text in the arena only.
+using HostKeyTable = NameTableOf<0>;

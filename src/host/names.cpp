@@ -259,7 +259,7 @@ std::string hostItemKey(const HostName& n) {
 
 std::vector<std::pair<int32_t, HostName>> hostNameChanges(
     int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made) {
-  HostNameTable taken;
+  HostKeyTable taken;
   taken.reserve(static_cast<std::size_t>(count));
   // True when `key` was not taken yet; it is taken now.
   const auto take = [&taken](const std::string& key) {
