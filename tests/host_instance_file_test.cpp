@@ -8,6 +8,7 @@
 #include "host/instance_file.h"
 #include "host/readers.h"
 #include "host/solution_file.h"
+#include "generator.h"
 #include "golden.h"
 #include "host_test_files.h"
 
@@ -46,6 +47,27 @@ TEST(InstanceFile, WhatGoesInComesBack) {
   EXPECT_EQ(back.labels[in.labels.size() - 1].quote, in.labels.back().quote);
   EXPECT_TRUE(back.hasSolution && back.hasScale);
   EXPECT_EQ(back.solveStat, 3);
+}
+
+// Arrays longer than the pieces the reader reads them in come back whole.
+TEST(InstanceFile, LongArraysComeBackWhole) {
+  HostScratch scratch;
+  const std::string model = scratch.path("gen.mps");
+  std::FILE* f = std::fopen(model.c_str(), "w");
+  ASSERT_NE(f, nullptr);
+  ASSERT_TRUE(generateMps(MpsGeneratorSettings{3000, 7, false, false}, f));
+  std::fclose(f);
+  HostInstance in, back;
+  ASSERT_TRUE(hostRead({model, ModelFormat::Mps, "", {}}, in));
+  ASSERT_GT(in.entryValue.size(), 3 * 4096u);
+  std::string error;
+  const std::string first = scratch.path("a.ins"), second = scratch.path("b.ins");
+  ASSERT_TRUE(writeInstanceFile(first, in, error)) << error;
+  ASSERT_TRUE(loadInstanceFile(first, back, error)) << error;
+  ASSERT_TRUE(writeInstanceFile(second, back, error)) << error;
+  EXPECT_EQ(readFile(first), readFile(second));
+  EXPECT_EQ(back.entryValue, in.entryValue);
+  EXPECT_EQ(back.entryRow, in.entryRow);
 }
 
 TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -23,7 +24,10 @@ struct Checksum {
     value = (value ^ word) * 0x9e3779b97f4a7c15ull;
     value ^= value >> 29;
   }
-  void add(const void* data, std::size_t size) {
+  void add(const void* data, std::size_t size) { addPart(data, size, size, true); }
+  // One part of a field of `total` bytes: every part but the last holds whole words, and the
+  // last ends the field as add() of the whole field does.
+  void addPart(const void* data, std::size_t size, uint64_t total, bool last) {
     const auto* p = static_cast<const unsigned char*>(data);
     std::size_t k = 0;
     for (; k + 8 <= size; k += 8) {
@@ -31,7 +35,8 @@ struct Checksum {
       std::memcpy(&word, p + k, 8);
       mix(word);
     }
-    uint64_t tail = size;
+    if (!last) return;
+    uint64_t tail = total;
     for (; k < size; ++k) tail = (tail << 8) | p[k];
     mix(tail);
   }
@@ -87,13 +92,15 @@ struct Reader {
   uint64_t left;  // bytes of the file not read yet
   Checksum sum;
   bool ok = true;
-  bool bytes(void* data, std::size_t size) {
+  bool bytes(void* data, std::size_t size) { return bytesPart(data, size, size, true); }
+  // One part of a field of `total` bytes, as Checksum::addPart takes it.
+  bool bytesPart(void* data, std::size_t size, uint64_t total, bool last) {
     if (!ok || size > left || (size > 0 && std::fread(data, 1, size, f) != size)) {
       ok = false;
       return false;
     }
     left -= size;
-    sum.add(data, size);
+    sum.addPart(data, size, total, last);
     return true;
   }
   // A length, checked against what is left of the file for elements of `each` bytes.
@@ -117,11 +124,23 @@ struct Reader {
       value.resize(n);
       bytes(value.data(), n);
     } else if constexpr (std::is_arithmetic_v<typename T::value_type>) {
+      using Element = typename T::value_type;
       uint64_t n = 0;
-      if (!length(n, sizeof(typename T::value_type))) return;
+      if (!length(n, sizeof(Element))) return;
+      value.clear();
       hostReserveHuge(value, n);
-      value.resize(n);
-      bytes(value.data(), n * sizeof(typename T::value_type));
+      // In pieces through a small buffer, so that the array is written once and never zeroed
+      // first: the arrays of a large model run to hundreds of megabytes.
+      constexpr uint64_t kPiece = 4096;  // whole words in every piece but the last
+      Element piece[kPiece];
+      const uint64_t total = n * sizeof(Element);
+      for (uint64_t done = 0; done < n || (n == 0 && done == 0);) {
+        const uint64_t k = std::min(kPiece, n - done);
+        if (!bytesPart(piece, k * sizeof(Element), total, done + k == n)) return;
+        value.insert(value.end(), piece, piece + k);
+        done += k;
+        if (n == 0) break;
+      }
     } else {
       uint64_t n = 0;
       if (!length(n, 8)) return;  // every item takes at least 8 bytes

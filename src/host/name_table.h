@@ -93,11 +93,12 @@ struct NameTableOf {
   }
   // The index of `s`, added when it is not there yet (then the index is size() - 1), found with
   // one probe of the table.
-  int32_t insert(std::string_view s) {
+  int32_t insert(std::string_view s) { return insert(s, hash(s)); }
+  // The same for `s` of hash `h`.
+  int32_t insert(std::string_view s, uint64_t h) {
     if (static_cast<std::size_t>(size() + 1) * 10 > slots.size() * 7) {
       rehash(std::max<std::size_t>(64, slots.size() * 2));
     }
-    const uint64_t h = hash(s);
     Slot& slot = slots[slotOf(s, h)];
     if (slot.index >= 0) return slot.index;
     const int32_t k = size();

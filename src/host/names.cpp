@@ -1,6 +1,7 @@
 #include "host/names.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <unordered_map>
 
@@ -267,8 +268,25 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
     return taken.insert(key) == before;
   };
   std::vector<int32_t> later;  // names from the file that are taken already, then made names
-  for (int32_t k = 0; k < count; ++k)
-    if (!made[k] && !take(hostItemKey(nameAt(k)))) later.push_back(k);
+  // The keys of the file's names, each made kAhead names before it is taken and its slot asked
+  // for from memory then: a table of a million keys is otherwise a wait on memory per name.
+  constexpr int32_t kAhead = 8;
+  std::array<std::string, kAhead> ahead;
+  std::array<uint64_t, kAhead> aheadHash{};
+  const auto prepare = [&](int32_t k) {
+    if (k >= count || made[k]) return;
+    ahead[k % kAhead] = hostItemKey(nameAt(k));
+    aheadHash[k % kAhead] = taken.prefetch(ahead[k % kAhead]);
+  };
+  for (int32_t k = 0; k < std::min(kAhead, count); ++k) prepare(k);
+  for (int32_t k = 0; k < count; ++k) {
+    if (!made[k]) {
+      const std::string& key = ahead[k % kAhead];
+      const int32_t before = taken.size();
+      if (taken.insert(key, aheadHash[k % kAhead]) != before) later.push_back(k);
+    }
+    prepare(k + kAhead);
+  }
   for (int32_t k = 0; k < count; ++k)
     if (made[k]) later.push_back(k);
   std::vector<std::pair<int32_t, HostName>> changes;
