@@ -101,7 +101,7 @@ void setUp(Engine& e, int32_t modelStatus) {
   if (e.procIndex < PROC_NONOPT) {
     SelectionContext context = selectionContextOf(rs);
     context.procIndex = e.procIndex;
-    resolveRequests(context, e.lists, r.rowSelected);
+    resolveRequests(context, e.lists, r.rowSelected, &e.found);
   }
 }
 
@@ -149,9 +149,15 @@ void matchRows(Engine& e) {
   e.rowCross.assign(static_cast<size_t>(rs.rowCount) + 1, 0);
   ItemNameBuffer buffer;
   SymbolMemo memo;
+  const bool known = !e.found.row.empty();
   for (int32_t i = 1; i <= rs.rowCount; ++i) {
-    const ItemMatch m = matchEquRequests(rowName(rs.dictionary, i, buffer), e.lists, SCOPE_ALL, 0,
-                                         e.procIndex, &memo);
+    // As the walk of resolveRequests found it; a list it did not walk is matched here, and an
+    // empty one needs no row's name.
+    const ItemMatch m =
+        known ? e.found.row[static_cast<size_t>(i)]
+              : matchEquRequests(e.lists.equCount > 0 ? rowName(rs.dictionary, i, buffer)
+                                                      : buffer.item,
+                                 e.lists, SCOPE_ALL, 0, e.procIndex, &memo);
     e.rowDirect[static_cast<size_t>(i)] = m.directCode;
     e.rowCross[static_cast<size_t>(i)] = m.crossCode;
   }
@@ -209,8 +215,12 @@ void loadColumns(Engine& e) {
     }
     int32_t crossCode = 0;
     if (byRequests) {
-      const ItemMatch m = matchVarRequests(columnName(rs, rs.dictionary, j, buffer), e.lists,
-                                           SCOPE_ALL, 0, e.procIndex, &memo);
+      const ItemMatch m =
+          !e.found.col.empty()
+              ? e.found.col[static_cast<size_t>(j)]
+              : matchVarRequests(e.lists.varCount > 0 ? columnName(rs, rs.dictionary, j, buffer)
+                                                      : buffer.item,
+                                 e.lists, SCOPE_ALL, 0, e.procIndex, &memo);
       if (m.directCode > 0) s.colStat[j] = 1;
       crossCode = m.crossCode;
     }

@@ -11,6 +11,7 @@
 
 #include "host/instance.h"
 #include "model/regions.h"
+#include "request/item_selection.h"
 #include "request/selection_tables.h"
 #include "base/run_context.h"
 
@@ -67,6 +68,7 @@ struct Engine {
   std::string currentSymbol, lastSymbol;
   // Request codes per row (index 1..rowCount), matched once.
   std::vector<int32_t> rowDirect, rowCross;
+  ItemMatches found;  // what the walk of resolveRequests found, when it ran
   // Budget of the column in hand, sums of the row in hand.
   double budgetSum = 0.0, budgetAbs = 0.0;
   double rowSum = 0.0, rowAbs = 0.0;

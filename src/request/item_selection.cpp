@@ -303,16 +303,20 @@ const ItemName& rowName(ovdHandle dictionary, int32_t row, ItemNameBuffer& buffe
 }
 
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,
-                     Vec1<int32_t> rowSelected) {
+                     Vec1<int32_t> rowSelected, ItemMatches* found) {
   bool hintGiven = false;
   ItemNameBuffer buffer;
+  if (found != nullptr) *found = ItemMatches{};
   if (lists.varCount > 0) {
     SymbolMemo memo;
     const bool nameEach = !meetsEveryItem(lists.col, lists.varCount);
+    if (found != nullptr) found->col.resize(static_cast<size_t>(context.colCount) + 1);
     for (int32_t j = 1; j <= context.colCount; ++j) {
-      matchVarRequests(nameEach ? columnName(*context.run, context.dictionary, j, buffer)
-                                : buffer.item,
-                       lists, SCOPE_ALL, 0, context.procIndex, &memo);
+      const ItemMatch m =
+          matchVarRequests(nameEach ? columnName(*context.run, context.dictionary, j, buffer)
+                                    : buffer.item,
+                           lists, SCOPE_ALL, 0, context.procIndex, &memo);
+      if (found != nullptr) found->col[static_cast<size_t>(j)] = m;
     }
     reportUnmet(context, lists.col, lists.varCount,
                 "(1X,/,5X,'## Did not find Requested Variable ',A)", hintGiven);
@@ -324,10 +328,12 @@ void resolveRequests(const SelectionContext& context, const RequestLists& lists,
   if (lists.equCount < 1) return;  // no row can be selected
   SymbolMemo memo;
   const bool nameEach = !meetsEveryItem(lists.row, lists.equCount);
+  if (found != nullptr) found->row.resize(static_cast<size_t>(context.rowCount) + 1);
   for (int32_t i = 1; i <= context.rowCount; ++i) {
     const ItemMatch m =
         matchEquRequests(nameEach ? rowName(context.dictionary, i, buffer) : buffer.item, lists,
                          SCOPE_ALL, 0, context.procIndex, &memo);
+    if (found != nullptr) found->row[static_cast<size_t>(i)] = m;
     if (m.selected > 0 && rowSelected[i] == 0) rowSelected[i] = m.directCode;
   }
   reportUnmet(context, lists.row, lists.equCount,

@@ -82,12 +82,18 @@ struct SelectionContext {
   Channel* logChannel = nullptr;
 };
 
+// What the walk of resolveRequests found for each column and row (1-based), for a procedure
+// that needs it again: a side that was not walked is left empty.
+struct ItemMatches {
+  std::vector<ItemMatch> col, row;
+};
+
 // Runs every column and row through the lists once: marks found, fills rowSelected (cleared
 // by the caller: 0, the directCode of the last request a selected row met, or -1 for all rows
 // when a procedure beyond POSTOPT has no equation request), then writes a line for each request
-// that met nothing.
+// that met nothing. With `found`, keeps each item's match there.
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,
-                     Vec1<int32_t> rowSelected);
+                     Vec1<int32_t> rowSelected, ItemMatches* found = nullptr);
 
 // Item names from the dictionary, into a reusable buffer of labels; the symbol's name is
 // looked up again only when the symbol changes.
