@@ -129,11 +129,38 @@ std::vector<std::string> orvaRunStatusLines(int solveStat, int modelStat) {
   return lines;
 }
 
+namespace {
+
+// What a status file tells of how modrake's run ended, gathered line by line.
+struct StopScan {
+  std::string lastText, lastComment;
+  bool closed = false;
+
+  void line(std::string_view line) {
+    if (line.starts_with("=2")) closed = true;
+    if (closed) return;
+    if (line.starts_with("=C") && line.find_first_not_of(' ', 2) != std::string_view::npos)
+      lastComment = line.substr(2);
+    else if (line.find_first_not_of(' ') != std::string_view::npos && line[0] != '=')
+      lastText = line;
+  }
+  std::string message() const {
+    if (closed) return {};
+    if (!lastComment.empty()) return lastComment;
+    if (!lastText.empty()) return lastText;
+    return "it left no message in the status file; its log above tells why";
+  }
+};
+
+}  // namespace
+
 bool orvaWriteListing(const std::string& statusPath, const std::string& runStatusPath,
                       int handedSolveStat, int handedModelStat, std::FILE* out,
-                      std::FILE* terminal, std::string& error) {
+                      std::FILE* terminal, std::string& error, std::string* stopMessage) {
   std::vector<std::string> terminalLines;
+  StopScan scan;
   const bool read = eachLine(statusPath, [&](std::string_view line) {
+    if (stopMessage != nullptr) scan.line(line);
     listingLine(line, terminalLines, [&](std::string_view l) {
       std::fwrite(l.data(), 1, l.size(), out);
       std::fputc('\n', out);
@@ -156,22 +183,6 @@ bool orvaWriteListing(const std::string& statusPath, const std::string& runStatu
   }
   for (const std::string& t : terminalLines) std::fprintf(terminal, "%s\n", t.c_str());
   std::fflush(out);
+  if (stopMessage != nullptr) *stopMessage = scan.message();
   return true;
-}
-
-std::string orvaRunStopMessage(const std::string& statusPath) {
-  std::string lastText, lastComment;
-  bool closed = false;
-  eachLine(statusPath, [&](std::string_view line) {
-    if (line.starts_with("=2")) closed = true;
-    if (closed) return;
-    if (line.starts_with("=C") && line.find_first_not_of(' ', 2) != std::string_view::npos)
-      lastComment = line.substr(2);
-    else if (line.find_first_not_of(' ') != std::string_view::npos && line[0] != '=')
-      lastText = line;
-  });
-  if (closed) return {};
-  if (!lastComment.empty()) return lastComment;
-  if (!lastText.empty()) return lastText;
-  return "it left no message in the status file; its log above tells why";
 }

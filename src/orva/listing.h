@@ -26,12 +26,12 @@ std::vector<std::string> orvaRunStatusLines(int solveStat, int modelStat);
 // Writes the listing of `statusPath` to `out`, "=C" texts also to `terminal`, and the closing
 // lines with the statuses of `runStatusPath`, or, when modrake set none, with
 // `handedSolveStat` and `handedModelStat` if these are above 0 (those of the solution handed
-// over). False with `error` when the status file cannot be read.
+// over). False with `error` when the status file cannot be read. With `stopMessage`, also
+// whether modrake's run ended normally, from the same reading: "" when the status file holds
+// its closing "=2" record; else the last message that the run left, the text of its last "=C"
+// record or its last line that is not blank, or, when the status file holds nothing, a
+// pointer to the log.
 bool orvaWriteListing(const std::string& statusPath, const std::string& runStatusPath,
                       int handedSolveStat, int handedModelStat, std::FILE* out,
-                      std::FILE* terminal, std::string& error);
-
-// Whether modrake's run ended normally: "" when the status file holds its closing "=2" record;
-// else the last message that the run left, the text of its last "=C" record or its last line
-// that is not blank, or, when the status file holds nothing, a pointer to the log.
-std::string orvaRunStopMessage(const std::string& statusPath);
+                      std::FILE* terminal, std::string& error,
+                      std::string* stopMessage = nullptr);

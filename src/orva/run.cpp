@@ -488,8 +488,9 @@ int orvaMain(const std::vector<std::string>& args) {
   }
   const int handedSolve = options.solutionExpected ? solution.solveStat : 0;
   const int handedModel = options.solutionExpected ? solution.modelStat : 0;
+  std::string stopMessage;
   bool ok = orvaWriteListing(files.statusFile, scratch.dir + "ovmstat." + ext, handedSolve,
-                             handedModel, out, stderr, error);
+                             handedModel, out, stderr, error, &stopMessage);
   bool writeFailed = std::ferror(out) != 0;
   if (out != stdout && std::fclose(out) != 0) writeFailed = true;
   if (!ok) return fail(error);
@@ -499,7 +500,6 @@ int orvaMain(const std::vector<std::string>& args) {
                 "stays in " + scratch.dir);
   }
   if (!listingToStdout) std::fprintf(stderr, "orva: listing written to %s\n", listingPath.c_str());
-  const std::string stopMessage = orvaRunStopMessage(files.statusFile);
   if (!stopMessage.empty()) {
     std::fprintf(stderr, "orva: modrake stopped before the end of its run: %s\n",
                  stopMessage.c_str());
