@@ -46,7 +46,12 @@ struct MpsReader {
   double objRhs = 0.0;
   std::string rhsSet, rangeSet, boundSet;
 
+  // The columns are told apart once, at the end of COLUMNS (or at a fault within it, which a
+  // column given twice before it comes ahead of): one table of the right size, filled with
+  // its slots asked for ahead, instead of one that grows and is probed a million times.
   HostNameTable cols;
+  std::vector<int64_t> colLine;  // the line where each column begins
+  bool colsIndexed = false;
   bool inInteger = false;
   // A row given twice in one column: the rows of a short column are kept in a short list
   // and searched there; a longer column marks its rows with its number in rowLastCol, which is
@@ -78,6 +83,12 @@ struct MpsReader {
   bool fail(const std::string& what) {
     error = path + ":" + std::to_string(line) + ": " + what;
     return false;
+  }
+  // The fault to tell, the first in the file: a column given twice within COLUMNS before the
+  // fault at hand comes ahead of it.
+  std::string failure() {
+    if (section == Section::Columns) indexColumns(line);
+    return error;
   }
   static std::string quoted(std::string_view s) { return "'" + hostShownName(s) + "'"; }
 
@@ -123,7 +134,10 @@ struct MpsReader {
     }
   }
   void openColumns();
-  void closeColumns();
+  bool closeColumns();
+  // Tells the columns apart; false, with the fault at the line where a column given before
+  // begins again, when one does so before line `before`.
+  bool indexColumns(int64_t before);
   void finish(const SymbolRule& rule);
 
   std::vector<std::string_view> fields;
@@ -203,7 +217,7 @@ bool MpsReader::header(std::string_view text) {
     if (section < s.after || section > s.before)
       return fail(section == Section::None ? std::string("the file does not begin with NAME")
                                            : std::string("section ") + s.word + " out of place");
-    if (section == Section::Columns) closeColumns();
+    if (section == Section::Columns && !closeColumns()) return false;
     section = s.section;
     if (section == Section::Columns) openColumns();
     // OBJSENSE MAX on one line, as some writers put it.
@@ -245,9 +259,8 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
   int32_t c = cols.size() - 1;
   if (c < 0 || cols.name(c) != col) {
     if (const std::string fault = hostNameFault(col); !fault.empty()) return fail(fault);
-    const int32_t before = cols.size();
-    c = cols.insert(col);
-    if (c < before) return fail("column " + quoted(col) + " given in two places");
+    c = cols.append(col);  // a column given in two places is told at the end of the section
+    colLine.push_back(line);
     colMarked.push_back(inInteger ? 1 : 0);
     inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
     colRows.clear();
@@ -407,7 +420,18 @@ void MpsReader::openColumns() {
   inst.colStart.clear();
 }
 
-void MpsReader::closeColumns() {
+bool MpsReader::indexColumns(int64_t before) {
+  if (colsIndexed) return true;
+  colsIndexed = true;
+  const int32_t again = cols.index();
+  if (again < 0 || colLine[static_cast<std::size_t>(again)] >= before) return true;
+  line = colLine[static_cast<std::size_t>(again)];
+  return fail("column " + quoted(cols.name(again)) + " given in two places");
+}
+
+bool MpsReader::closeColumns() {
+  if (!indexColumns(line)) return false;
+  std::vector<int64_t>().swap(colLine);
   const auto n = static_cast<std::size_t>(cols.size());
   inst.colStart.push_back(static_cast<int32_t>(inst.entryRow.size()));
   inst.colLower.assign(n, 0.0);
@@ -416,6 +440,7 @@ void MpsReader::closeColumns() {
   lowerSet.assign(n, 0);
   upperSet.assign(n, 0);
   std::vector<int32_t>().swap(rowLastCol);
+  return true;
 }
 
 std::string baseName(const std::string& path) {
@@ -626,7 +651,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
         if (carry.size() > kLongestLine) {
           reader.line += 1;
           reader.fail("a line longer than " + std::to_string(kLongestLine) + " characters");
-          error = reader.error;
+          error = reader.failure();
           return false;
         }
         break;
@@ -641,7 +666,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
         ok = reader.readLine(block.substr(0, eol));
       }
       if (!ok) {
-        error = reader.error;
+        error = reader.failure();
         return false;
       }
       if (reader.section == Section::End) break;
@@ -656,7 +681,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   if (reader.section != Section::End && !carry.empty()) {
     ++reader.line;
     if (!reader.readLine(carry)) {
-      error = reader.error;
+      error = reader.failure();
       return false;
     }
   }
@@ -664,7 +689,7 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
     ++reader.line;
     reader.fail(reader.section == Section::None ? "the file is empty"
                                                 : "the file ends without ENDATA");
-    error = reader.error;
+    error = reader.failure();
     return false;
   }
   reader.finish(rule);

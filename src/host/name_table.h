@@ -85,11 +85,41 @@ struct NameTableOf {
     if (!slots.empty()) hostPrefetch(&slots[static_cast<std::size_t>(h) & (slots.size() - 1)]);
     return h;
   }
+  // Adds `s` without looking it up, for a reader that tells its names apart at once later,
+  // with `index`, and until then neither finds nor inserts. Gives its index.
+  int32_t append(std::string_view s) {
+    arena.append(s);
+    start.push_back(arena.size());
+    return size() - 1;
+  }
+  // Makes the table over the names held, sized for them once, each name's slot asked for from
+  // memory a few names before it is filled. Gives the first name that an earlier one holds
+  // already, or -1; such a name has no slot of its own.
+  int32_t index() {
+    std::vector<Slot>().swap(slots);
+    const std::size_t slotCount = slotsFor(static_cast<std::size_t>(size()));
+    hostReserveHuge(slots, slotCount);
+    slots.assign(slotCount, Slot{});
+    constexpr int32_t kAhead = 8;
+    std::array<uint64_t, kAhead> ahead{};
+    for (int32_t k = 0; k < std::min(kAhead, size()); ++k) ahead[k] = prefetch(name(k));
+    int32_t repeated = -1;
+    for (int32_t k = 0; k < size(); ++k) {
+      const uint64_t h = ahead[k % kAhead];
+      if (k + kAhead < size()) ahead[k % kAhead] = prefetch(name(k + kAhead));
+      const std::string_view t = name(k);
+      Slot& slot = slots[slotOf(t, h)];
+      if (slot.index >= 0) {
+        if (repeated < 0) repeated = k;
+        continue;
+      }
+      fill(slot, h, t, k);
+    }
+    return repeated;
+  }
   // Room for `n` names without growing the table, which is then up to 70 percent full.
   void reserve(std::size_t n) {
-    std::size_t want = 64;
-    while (want * 7 < n * 10) want *= 2;
-    if (want > slots.size()) rehash(want);
+    if (slotsFor(n) > slots.size()) rehash(slotsFor(n));
   }
   // The index of `s`, added when it is not there yet (then the index is size() - 1), found with
   // one probe of the table.
@@ -109,6 +139,11 @@ struct NameTableOf {
   }
 
  private:
+  static std::size_t slotsFor(std::size_t n) {
+    std::size_t want = 64;
+    while (want * 7 < n * 10) want *= 2;
+    return want;
+  }
   void rehash(std::size_t slotCount) {
     std::vector<Slot>().swap(slots);
     hostReserveHuge(slots, slotCount);
