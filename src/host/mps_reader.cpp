@@ -588,14 +588,16 @@ void MpsReader::finish(const SymbolRule& rule) {
   std::vector<char> colMade(static_cast<std::size_t>(n), 0);
   if (hasObjective) colMade.push_back(1);
   HostDictionaryBuilder dictionary(inst);
-  dictionary.addDistinct(true, static_cast<int32_t>(rowFrom.size()), [&](int32_t k) {
-    HostName name = hostParseName(rows.name(rowFrom[k]), rowRule);
-    if (rowMade[k] == 0) return name;
-    return hostMakeName(name.symbol + (rowMade[k] == 1 ? "_lo" : "_up"), std::move(name.labels));
-  }, rowMade);
-  dictionary.addDistinct(false, static_cast<int32_t>(colMade.size()), [&](int32_t j) {
-    return hostParseName(j < n ? cols.name(j) : std::string_view("objvar"), colRule);
-  }, colMade);
+  const auto rowName = [&](int32_t k, HostName& name) {
+    hostParseName(rows.name(rowFrom[k]), rowRule, name);
+    if (rowMade[k] == 0) return;
+    name = hostMakeName(name.symbol + (rowMade[k] == 1 ? "_lo" : "_up"), std::move(name.labels));
+  };
+  const auto colName = [&](int32_t j, HostName& name) {
+    hostParseName(j < n ? cols.name(j) : std::string_view("objvar"), colRule, name);
+  };
+  dictionary.addDistinct(true, static_cast<int32_t>(rowFrom.size()), rowName, rowMade);
+  dictionary.addDistinct(false, static_cast<int32_t>(colMade.size()), colName, colMade);
   hostCompleteInstance(inst);
 }
 

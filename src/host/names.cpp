@@ -18,14 +18,18 @@ std::string_view trimView(std::string_view s) {
   return s;
 }
 
-// Labels between the brackets of `inner`; false when they do not read as a label list.
+// Labels between the brackets of `inner` into `labels`, whose strings are reused; false when
+// they do not read as a label list.
 bool splitLabels(std::string_view inner, std::vector<HostLabel>& labels) {
-  std::size_t i = 0;
+  std::size_t i = 0, count = 0;
   const std::size_t n = inner.size();
   while (true) {
     while (i < n && isBlank(inner[i])) ++i;
     if (i == n) return false;  // empty label
-    HostLabel label;
+    if (count == labels.size()) labels.emplace_back();
+    HostLabel& label = labels[count++];
+    label.text.clear();
+    label.quote = ' ';
     if (inner[i] == '\'' || inner[i] == '"') {
       const char q = inner[i++];
       bool closed = false;
@@ -53,11 +57,13 @@ bool splitLabels(std::string_view inner, std::vector<HostLabel>& labels) {
           return false;
         ++i;
       }
-      label.text = std::string(trimView(inner.substr(start, i - start)));
+      label.text.assign(trimView(inner.substr(start, i - start)));
       if (label.text.empty()) return false;
     }
-    labels.push_back(std::move(label));
-    if (i == n) return true;
+    if (i == n) {
+      labels.resize(count);
+      return true;
+    }
     if (inner[i] != ',') return false;
     ++i;
   }
@@ -106,32 +112,31 @@ namespace {
 
 // The name split at `at`: symbol before, one label after; a scalar when either part is empty,
 // except that a name beginning with the split gets the digit symbol.
-HostName splitAt(std::string_view name, std::size_t at, bool digitSymbol) {
-  HostName out;
-  out.full = std::string(name);
+void splitAt(std::string_view name, std::size_t at, bool digitSymbol, HostName& out) {
+  out.full.assign(name);
   if (at >= name.size() || (at == 0 && !digitSymbol)) {
     out.symbol = out.full;
-    return out;
+    out.labels.clear();
+    return;
   }
-  out.symbol = at == 0 ? std::string(kDigitSymbol) : std::string(name.substr(0, at));
-  out.labels.push_back(HostLabel{std::string(name.substr(at)), ' '});
-  return out;
+  out.symbol.assign(at == 0 ? kDigitSymbol : name.substr(0, at));
+  out.labels.resize(1);
+  out.labels[0].text.assign(name.substr(at));
+  out.labels[0].quote = ' ';
 }
 
 // A name with brackets: true with `out` filled when they read as a label list, else false
 // with `out` a scalar symbol of the full name.
 bool parseBrackets(std::string_view name, HostName& out) {
-  out.full = std::string(name);
+  out.full.assign(name);
   const std::size_t open = name.find_first_of("[(");
   const char close = name[open] == '[' ? ']' : ')';
-  std::vector<HostLabel> labels;
   if (open > 0 && name.back() == close && name.size() >= open + 2 &&
-      splitLabels(name.substr(open + 1, name.size() - open - 2), labels)) {
-    out.symbol = std::string(trimView(name.substr(0, open)));
-    out.labels = std::move(labels);
+      splitLabels(name.substr(open + 1, name.size() - open - 2), out.labels)) {
+    out.symbol.assign(trimView(name.substr(0, open)));
     if (!out.symbol.empty()) return true;
-    out.labels.clear();
   }
+  out.labels.clear();
   out.symbol = out.full;
   return false;
 }
@@ -175,29 +180,34 @@ std::string symbolRuleName(const SymbolRule& rule) {
   return "auto";
 }
 
-HostName hostParseName(std::string_view raw, const SymbolRule& rule) {
+void hostParseName(std::string_view raw, const SymbolRule& rule, HostName& out) {
   const std::string_view name = trimView(raw);
-  HostName out;
   if (name.find_first_of("[(") != std::string_view::npos) {
     parseBrackets(name, out);
-    return out;
+    return;
   }
   switch (rule.kind) {
     case SymbolRuleKind::TrailingDigits: {
       std::size_t stem = name.size();
       while (stem > 0 && isDigit(name[stem - 1])) --stem;
-      return splitAt(name, stem == name.size() ? name.size() : stem, false);
+      return splitAt(name, stem == name.size() ? name.size() : stem, false, out);
     }
     case SymbolRuleKind::BeforeDigit: {
       std::size_t at = 0;
       while (at < name.size() && !isDigit(name[at])) ++at;
-      return splitAt(name, at, true);
+      return splitAt(name, at, true, out);
     }
     case SymbolRuleKind::First:
-      return splitAt(name, static_cast<std::size_t>(rule.first), false);
+      return splitAt(name, static_cast<std::size_t>(rule.first), false, out);
     default:
-      return splitAt(name, name.size(), false);
+      return splitAt(name, name.size(), false, out);
   }
+}
+
+HostName hostParseName(std::string_view raw, const SymbolRule& rule) {
+  HostName out;
+  hostParseName(raw, rule, out);
+  return out;
 }
 
 HostName hostParseName(std::string_view raw) {
@@ -259,7 +269,7 @@ std::string hostItemKey(const HostName& n) {
 }
 
 std::vector<std::pair<int32_t, HostName>> hostNameChanges(
-    int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made) {
+    int32_t count, const HostNameAt& nameAt, const std::vector<char>& made) {
   HostKeyTable taken;
   taken.reserve(static_cast<std::size_t>(count));
   // True when `key` was not taken yet; it is taken now.
@@ -273,9 +283,11 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
   constexpr int32_t kAhead = 8;
   std::array<std::string, kAhead> ahead;
   std::array<uint64_t, kAhead> aheadHash{};
+  HostName name;  // reused for every name
   const auto prepare = [&](int32_t k) {
     if (k >= count || made[k]) return;
-    ahead[k % kAhead] = hostItemKey(nameAt(k));
+    nameAt(k, name);
+    ahead[k % kAhead] = hostItemKey(name);
     aheadHash[k % kAhead] = taken.prefetch(ahead[k % kAhead]);
   };
   for (int32_t k = 0; k < std::min(kAhead, count); ++k) prepare(k);
@@ -294,7 +306,7 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
   // the search stays linear in the names.
   std::unordered_map<std::string, std::size_t> tried;
   for (int32_t k : later) {
-    HostName name = nameAt(k);
+    nameAt(k, name);
     std::string key = hostItemKey(name);
     if (made[k] && take(key)) continue;
     std::size_t& underscores = tried[key];
@@ -311,7 +323,8 @@ std::vector<std::pair<int32_t, HostName>> hostNameChanges(
 
 void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made) {
   auto changes = hostNameChanges(
-      static_cast<int32_t>(names.size()), [&](int32_t k) { return names[k]; }, made);
+      static_cast<int32_t>(names.size()),
+      [&](int32_t k, HostName& out) { out = names[static_cast<std::size_t>(k)]; }, made);
   for (auto& [k, name] : changes) names[k] = std::move(name);
 }
 
@@ -380,15 +393,17 @@ void HostDictionaryBuilder::addCol(const HostName& name) {
 }
 
 void HostDictionaryBuilder::addDistinct(bool rows, int32_t count,
-                                        const std::function<HostName(int32_t)>& nameAt,
+                                        const HostNameAt& nameAt,
                                         const std::vector<char>& made) {
   const auto changes = hostNameChanges(count, nameAt, made);
   auto change = changes.begin();
+  HostName name;  // reused for every name
   for (int32_t k = 0; k < count; ++k) {
     const bool changed = change != changes.end() && change->first == k;
-    const HostName name = changed ? (change++)->second : nameAt(k);
-    if (rows) addRow(name);
-    else addCol(name);
+    if (!changed) nameAt(k, name);
+    const HostName& placed = changed ? (change++)->second : name;
+    if (rows) addRow(placed);
+    else addCol(placed);
   }
 }
 

@@ -71,9 +71,15 @@ SymbolRule hostResolveSymbolRule(
 // (which must not be Auto).
 HostName hostParseName(std::string_view name);
 HostName hostParseName(std::string_view name, const SymbolRule& rule);
+// The same into `out`, whose strings and label list are reused: a reader that parses a
+// million names allocates nothing per name.
+void hostParseName(std::string_view name, const SymbolRule& rule, HostName& out);
 
 // A name from a symbol and its labels, as a native instance may give them.
 HostName hostMakeName(std::string symbol, std::vector<HostLabel> labels);
+
+// Puts the name of item k into its second argument, whose strings it may reuse.
+using HostNameAt = std::function<void(int32_t, HostName&)>;
 
 // Builds the dictionary of an instance one name at a time, rows before columns, so that a
 // reader need not keep a parsed name per row and column.
@@ -83,7 +89,7 @@ struct HostDictionaryBuilder {
   void addCol(const HostName& name);
   // Adds `count` rows (or columns) as hostNameChanges makes them distinct, for a reader that
   // keeps no parsed name per row and column.
-  void addDistinct(bool rows, int32_t count, const std::function<HostName(int32_t)>& nameAt,
+  void addDistinct(bool rows, int32_t count, const HostNameAt& nameAt,
                    const std::vector<char>& made);
 
   HostInstance& inst;
@@ -101,14 +107,14 @@ std::string hostItemKey(const HostName& name);
 // The names of one kind (rows, or columns) that must change for every item to have a name of
 // its own, as the dictionary tells items apart: by hostItemKey (`x17`, `x(17)` and `x['17']`
 // are one item, and so are two names whose labels differ only beyond the 64th character).
-// `count` names in the instance's order: `nameAt(k)` gives the k-th, `made[k]` is 0 for a name
+// `count` names in the instance's order: `nameAt` gives the k-th, `made[k]` is 0 for a name
 // from the file and not 0 for one the host made (halves of a ranged row, R<i>, C<j>, generated
 // .nl names, objvar). Names from the file are taken first, in their order, then the names the
 // host made: a name that is taken gets "_" added to its symbol until it is free. So a made
 // name gives way to every name from the file, and a later name from the file to an earlier
 // one. Gives the new names by place, in the order of places.
 std::vector<std::pair<int32_t, HostName>> hostNameChanges(
-    int32_t count, const std::function<HostName(int32_t)>& nameAt, const std::vector<char>& made);
+    int32_t count, const HostNameAt& nameAt, const std::vector<char>& made);
 
 // hostNameChanges applied to names held in a vector.
 void hostDistinctNames(std::vector<HostName>& names, const std::vector<char>& made);
