@@ -94,9 +94,8 @@ void countEntry(ItemCounts& c, double a, bool nonlinear, bool inObjective) {
   if (size > c.maximum) c.maximum = size;
 }
 
-// The sums of a row's entries, gathered by the column pass: the row pass needs no more of a
-// row, so the row form is never built. A row's sums lie together, so that an entry of a column
-// reaches its row's sums with one read from memory.
+// The sums of the entries of a row, or of a group of rows, gathered by the column pass: the
+// row pass needs no more of a row, so the row form is never built.
 struct RowSum {
   int32_t entries = 0, positive = 0, nonlinear = 0;
   double minimum = 0.0, maximum = -1.0;  // of the sizes outside the objective column
