@@ -23,6 +23,7 @@ enum class Section { None, Name, ObjSense, Rows, Columns, Rhs, Ranges, Bounds, E
 constexpr int32_t kNoRow = -1;
 // No line of an MPS file comes near this; a file without line ends is refused early.
 constexpr std::size_t kLongestLine = std::size_t{1} << 16;
+constexpr std::string_view kMarker = "'MARKER'";
 // How far ahead of the line in hand the names of COLUMNS and BOUNDS lines are asked for.
 constexpr int32_t kLinesAhead = 8;
 // Entries reserved at most before reading: a column index is a 32-bit number.
@@ -245,7 +246,7 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
   // A marker line: name, then 'MARKER', then 'INTORG' or 'INTEND' last.
   const std::size_t first = fixed ? 1 : 0;  // the fixed form's empty code field
   if (f.size() >= first + 3 &&
-      std::find(f.begin() + static_cast<std::ptrdiff_t>(first) + 1, f.end(), "'MARKER'") != f.end()) {
+      std::find(f.begin() + static_cast<std::ptrdiff_t>(first) + 1, f.end(), kMarker) != f.end()) {
     if (f.back() == "'INTORG'") inInteger = true;
     else if (f.back() == "'INTEND'") inInteger = false;
     else return fail("unknown marker " + quoted(f.back()));
