@@ -267,13 +267,15 @@ bool MpsReader::columnsLine(const std::vector<std::string_view>& f) {
     colRows.clear();
   }
   uint64_t hashes[2] = {};
-  for (std::size_t k = first + 1, q = 0; k + 1 < f.size(); k += 2, ++q) hashes[q] = rows.prefetch(f[k]);
+  for (std::size_t k = first + 1, q = 0; k + 1 < f.size(); k += 2, ++q)
+    hashes[q] = rows.prefetch(f[k]);
   for (std::size_t k = first + 1, q = 0; k + 1 < f.size(); k += 2, ++q) {
     const int32_t row = rows.find(f[k], hashes[q]);
     if (row < 0) return fail("row " + quoted(f[k]) + " is not in the ROWS section");
     double value = 0;
     if (!number(f[k + 1], value)) return false;
-    if (repeated(row, c)) return fail("column " + quoted(col) + " has row " + quoted(f[k]) + " twice");
+    if (repeated(row, c))
+      return fail("column " + quoted(col) + " has row " + quoted(f[k]) + " twice");
     if (value == 0.0) continue;
     inst.entryRow.push_back(row);
     inst.entryValue.push_back(value);
@@ -620,7 +622,8 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   // Room for the entries that a file of this size can hold at about ten bytes an entry, so that
   // the two largest arrays are not copied as they grow; pages never written cost nothing.
   if (fileSize > 0) {
-    const auto entries = std::min<std::size_t>(static_cast<std::size_t>(fileSize) / 10, kMaxReserve);
+    const auto entries =
+        std::min<std::size_t>(static_cast<std::size_t>(fileSize) / 10, kMaxReserve);
     hostReserveHuge(inst.entryRow, entries);
     hostReserveHuge(inst.entryValue, entries);
   }
