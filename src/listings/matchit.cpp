@@ -252,10 +252,10 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   RowGroups groups;
   if (equs.count > 0) {  // without equation requests no row is selected
     groups.code.assign(static_cast<size_t>(m) + 1, 0);
-    const bool nameEach = !meetsEveryItem(lists.row, equs.count);
+    ItemNamer rowNames(lists.row, equs.count);
     SymbolMemo rowMemo, rowTallyMemo;
     for (int32_t i = 1; i <= m; ++i) {
-      const ItemName& item = nameEach ? rowName(run.dictionary, i, names) : names.item;
+      const ItemName& item = rowNames.row(run.dictionary, i);
       const ItemMatch match = matchEquRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &rowMemo);
       if (match.selected <= 0) continue;
       requestsMet(equs, item, lists, run.procIndex, rowTallyMemo, met);
@@ -265,12 +265,12 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
   }
 
   // Column pass: the variable tallies and list, and the sums of the row groups.
-  const bool nameEach = !meetsEveryItem(lists.col, vars.count);
+  ItemNamer colNames(lists.col, vars.count);
   int64_t entryCount = 0;
   for (int32_t j = 1; j <= n; ++j) {
     ItemCounts c;
     c.minimum = run.plusInf;
-    const ItemName& item = nameEach ? columnName(run, run.dictionary, j, names) : names.item;
+    const ItemName& item = colNames.column(run, run.dictionary, j);
     r.colScale[j] = run.useScale > 0 ? ovmGetVarScaleOne(run.model, j) : 1.0;
     const ItemMatch match = matchVarRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &memo);
     const bool selected = match.selected == 1;
@@ -291,10 +291,9 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
       tallyItem(vars, met, c);
     }
     if (listed) {
-      const ItemName& named = nameEach ? item : columnName(run, run.dictionary, j, names);
       int32_t length = 0, dim = 0, isNew = 0;
       varItemLabel(run, run.dictionary, j, report.label, length, dim, isNew, MAX_LINE);
-      report.itemLine(vars, named.symbol, c);
+      report.itemLine(vars, columnName(run, run.dictionary, j, names).symbol, c);
     }
   }
   if (vars.count > 0) report.requestTable(vars);

@@ -141,37 +141,14 @@ void loadRows(Engine& e) {
   }
 }
 
-// The request codes of every row, from the equation list: matched once per row, not once per
-// entry.
-void matchRows(Engine& e) {
-  RunContext& rs = e.run;
-  e.rowDirect.assign(static_cast<size_t>(rs.rowCount) + 1, 0);
-  e.rowCross.assign(static_cast<size_t>(rs.rowCount) + 1, 0);
-  ItemNameBuffer buffer;
-  SymbolMemo memo;
-  const bool known = !e.found.row.empty();
-  for (int32_t i = 1; i <= rs.rowCount; ++i) {
-    // As the walk of resolveRequests found it; a list it did not walk is matched here, and an
-    // empty one needs no row's name.
-    const ItemMatch m =
-        known ? e.found.row[static_cast<size_t>(i)]
-              : matchEquRequests(e.lists.equCount > 0 ? rowName(rs.dictionary, i, buffer)
-                                                      : buffer.item,
-                                 e.lists, SCOPE_ALL, 0, e.procIndex, &memo);
-    e.rowDirect[static_cast<size_t>(i)] = m.directCode;
-    e.rowCross[static_cast<size_t>(i)] = m.crossCode;
-  }
-}
-
 void loadColumns(Engine& e) {
   RunContext& rs = e.run;
   const DisplayRegions& r = e.r;
   const SolutionRegions& s = r.solution;
   const ovmHandle model = rs.model;
+  // The request codes of rows and columns, as resolveRequests found them.
   const bool byRequests = e.mode->marks == Marks::Requests;
-  if (byRequests) matchRows(e);
-  ItemNameBuffer buffer;
-  SymbolMemo memo;
+  const ItemMatches& found = e.found;
   const ModelStore& store = modelStore;
   // Unscaled, a coefficient is the store's value as it stands (value / 1 x 1), and a linear
   // model marks no row nonlinear: the copy would be the store over again, so it is not made.
@@ -215,12 +192,7 @@ void loadColumns(Engine& e) {
     }
     int32_t crossCode = 0;
     if (byRequests) {
-      const ItemMatch m =
-          !e.found.col.empty()
-              ? e.found.col[static_cast<size_t>(j)]
-              : matchVarRequests(e.lists.varCount > 0 ? columnName(rs, rs.dictionary, j, buffer)
-                                                      : buffer.item,
-                                 e.lists, SCOPE_ALL, 0, e.procIndex, &memo);
+      const ItemMatch& m = found.col[static_cast<size_t>(j)];
       if (m.directCode > 0) s.colStat[j] = 1;
       crossCode = m.crossCode;
     }
@@ -233,8 +205,9 @@ void loadColumns(Engine& e) {
       }
       ++next;
       if (!byRequests) continue;
-      if (e.rowDirect[static_cast<size_t>(i)] > 0 || crossCode > 0) r.rowSelected[i] = 1;
-      if (e.rowCross[static_cast<size_t>(i)] > 0) s.colStat[j] = 1;
+      const ItemMatch& row = found.row[static_cast<size_t>(i)];
+      if (row.directCode > 0 || crossCode > 0) r.rowSelected[i] = 1;
+      if (row.crossCode > 0) s.colStat[j] = 1;
     }
   }
   e.entryCount = next - 1;

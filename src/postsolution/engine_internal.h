@@ -66,9 +66,8 @@ struct Engine {
   int32_t firstOfPass = 0;
   int32_t lastRowShown = 0;
   std::string currentSymbol, lastSymbol;
-  // Request codes per row (index 1..rowCount), matched once.
-  std::vector<int32_t> rowDirect, rowCross;
-  ItemMatches found;  // what the walk of resolveRequests found, when it ran
+  // Request codes per row and column, as resolveRequests found them (DISPLAYCR, POSTOPT).
+  ItemMatches found;
   // Budget of the column in hand, sums of the row in hand.
   double budgetSum = 0.0, budgetAbs = 0.0;
   double rowSum = 0.0, rowAbs = 0.0;

@@ -176,6 +176,17 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
   return m;
 }
 
+// True when each of the first `count` requests of a side meets every item whatever its name.
+bool meetsEveryItem(const SelectionSide& side, int32_t count) {
+  for (int32_t k = 1; k <= count; ++k) {
+    const std::string_view symbol = side.symbol.view(k);
+    const int32_t n = usedLength(symbol.data(), static_cast<int32_t>(symbol.size()));
+    const bool any = n == 0 || (n == 1 && symbol[0] == '*');
+    if (!any || side.dim[k] != 0) return false;
+  }
+  return true;
+}
+
 constexpr std::string_view kHint =
     "(8X,'Remember you must use set elements, not set',1X,'names to select',/,8X,"
     "'Also quoted items are matched exactly (wild cards are not considered)',/,16X,"
@@ -241,16 +252,6 @@ bool matchPattern(std::string_view pattern, std::string_view text) {
   return true;
 }
 
-bool meetsEveryItem(const SelectionSide& side, int32_t count) {
-  for (int32_t k = 1; k <= count; ++k) {
-    const std::string_view symbol = side.symbol.view(k);
-    const int32_t n = usedLength(symbol.data(), static_cast<int32_t>(symbol.size()));
-    const bool any = n == 0 || (n == 1 && symbol[0] == '*');
-    if (!any || side.dim[k] != 0) return false;
-  }
-  return true;
-}
-
 ItemMatch matchVarRequests(const ItemName& item, const RequestLists& lists, int32_t matchScope,
                            int32_t requestIndex, int32_t procIndex, SymbolMemo* memo) {
   if (lists.varCount < 1) {
@@ -302,37 +303,43 @@ const ItemName& rowName(ovdHandle dictionary, int32_t row, ItemNameBuffer& buffe
   return itemName(dictionary, false, row, buffer);
 }
 
+ItemNamer::ItemNamer(const SelectionSide& side, int32_t count)
+    : needed(!meetsEveryItem(side, count)) {}
+
+const ItemName& ItemNamer::column(RunContext& run, ovdHandle dictionary, int32_t col) {
+  return needed ? columnName(run, dictionary, col, buffer) : buffer.item;
+}
+
+const ItemName& ItemNamer::row(ovdHandle dictionary, int32_t row) {
+  return needed ? rowName(dictionary, row, buffer) : buffer.item;
+}
+
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,
                      Vec1<int32_t> rowSelected, ItemMatches* found) {
   bool hintGiven = false;
-  ItemNameBuffer buffer;
   if (found != nullptr) *found = ItemMatches{};
-  if (lists.varCount > 0) {
+  // A side without requests is walked only for the caller that keeps the matches: its items
+  // all get the same answer, and none is named.
+  if (lists.varCount > 0 || found != nullptr) {
+    ItemNamer names(lists.col, lists.varCount);
     SymbolMemo memo;
-    const bool nameEach = !meetsEveryItem(lists.col, lists.varCount);
     if (found != nullptr) found->col.resize(static_cast<size_t>(context.colCount) + 1);
     for (int32_t j = 1; j <= context.colCount; ++j) {
-      const ItemMatch m =
-          matchVarRequests(nameEach ? columnName(*context.run, context.dictionary, j, buffer)
-                                    : buffer.item,
-                           lists, SCOPE_ALL, 0, context.procIndex, &memo);
+      const ItemMatch m = matchVarRequests(names.column(*context.run, context.dictionary, j),
+                                           lists, SCOPE_ALL, 0, context.procIndex, &memo);
       if (found != nullptr) found->col[static_cast<size_t>(j)] = m;
     }
     reportUnmet(context, lists.col, lists.varCount,
                 "(1X,/,5X,'## Did not find Requested Variable ',A)", hintGiven);
   }
-  if (lists.equCount < 1 && context.procIndex > PROC_POSTOPT) {
-    rowSelected.fill(-1);
-    return;
-  }
-  if (lists.equCount < 1) return;  // no row can be selected
+  if (lists.equCount < 1 && context.procIndex > PROC_POSTOPT) rowSelected.fill(-1);
+  if (lists.equCount < 1 && found == nullptr) return;  // no row can be selected
+  ItemNamer names(lists.row, lists.equCount);
   SymbolMemo memo;
-  const bool nameEach = !meetsEveryItem(lists.row, lists.equCount);
   if (found != nullptr) found->row.resize(static_cast<size_t>(context.rowCount) + 1);
   for (int32_t i = 1; i <= context.rowCount; ++i) {
-    const ItemMatch m =
-        matchEquRequests(nameEach ? rowName(context.dictionary, i, buffer) : buffer.item, lists,
-                         SCOPE_ALL, 0, context.procIndex, &memo);
+    const ItemMatch m = matchEquRequests(names.row(context.dictionary, i), lists, SCOPE_ALL, 0,
+                                         context.procIndex, &memo);
     if (found != nullptr) found->row[static_cast<size_t>(i)] = m;
     if (m.selected > 0 && rowSelected[i] == 0) rowSelected[i] = m.directCode;
   }

@@ -56,10 +56,6 @@ struct SymbolMemo {
   std::vector<uint8_t> plain;  // per request and position, 1 for a plain element pattern
 };
 
-// True when each of the first `count` requests of a side meets every item whatever its name (a
-// symbol pattern "*" or blank, no element patterns): a walk then needs no item's name to match.
-bool meetsEveryItem(const SelectionSide& side, int32_t count);
-
 // Tests an item against the variable list (scope, requestIndex as above); marks `found` of
 // every request met. An empty list selects every column (directCode 3) unless DISPLAYCR or
 // POSTOPT have equation requests. `memo` may be null.
@@ -82,8 +78,8 @@ struct SelectionContext {
   Channel* logChannel = nullptr;
 };
 
-// What the walk of resolveRequests found for each column and row (1-based), for a procedure
-// that needs it again: a side that was not walked is left empty.
+// What resolveRequests found for each column and row (1-based), for a procedure that needs it
+// again.
 struct ItemMatches {
   std::vector<ItemMatch> col, row;
 };
@@ -91,7 +87,7 @@ struct ItemMatches {
 // Runs every column and row through the lists once: marks found, fills rowSelected (cleared
 // by the caller: 0, the directCode of the last request a selected row met, or -1 for all rows
 // when a procedure beyond POSTOPT has no equation request), then writes a line for each request
-// that met nothing. With `found`, keeps each item's match there.
+// that met nothing. With `found`, keeps each item's match there, on both sides.
 void resolveRequests(const SelectionContext& context, const RequestLists& lists,
                      Vec1<int32_t> rowSelected, ItemMatches* found = nullptr);
 
@@ -106,6 +102,19 @@ struct ItemNameBuffer {
 const ItemName& columnName(RunContext& run, ovdHandle dictionary, int32_t col,
                            ItemNameBuffer& buffer);
 const ItemName& rowName(ovdHandle dictionary, int32_t row, ItemNameBuffer& buffer);
+
+// The names of one walk's items against one side of the lists: an item is named only when some
+// of the first `count` requests of the side reads names. A list without requests, or whose
+// requests meet every item (a symbol pattern "*" or blank, no element patterns), gives every
+// item the same empty name, and a walk over a million items names none.
+struct ItemNamer {
+  ItemNamer(const SelectionSide& side, int32_t count);
+  const ItemName& column(RunContext& run, ovdHandle dictionary, int32_t col);
+  const ItemName& row(ovdHandle dictionary, int32_t row);
+
+  bool needed;
+  ItemNameBuffer buffer;
+};
 
 // The selection context for a procedure of this run.
 SelectionContext selectionContextOf(RunContext& run);
