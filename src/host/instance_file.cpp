@@ -9,7 +9,6 @@
 #include <memory>
 #include <type_traits>
 
-#include "host/memory.h"
 #include "host/names.h"
 
 namespace {
@@ -128,7 +127,7 @@ struct Reader {
       uint64_t n = 0;
       if (!length(n, sizeof(Element))) return;
       value.clear();
-      hostReserveHuge(value, n);
+      value.reserve(n);
       // In pieces through a small buffer, so that the array is written once and never zeroed
       // first: the arrays of a large model run to hundreds of megabytes.
       constexpr uint64_t kPiece = 4096;  // whole words in every piece but the last

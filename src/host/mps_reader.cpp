@@ -9,7 +9,6 @@
 #include <cstring>
 #include <memory>
 
-#include "host/memory.h"
 #include "host/name_table.h"
 #include "host/names.h"
 #include "host/readers_internal.h"
@@ -624,8 +623,8 @@ bool readMpsModel(const std::string& path, bool fixed, const SymbolRule& rule,
   if (fileSize > 0) {
     const auto entries =
         std::min<std::size_t>(static_cast<std::size_t>(fileSize) / 10, kMaxReserve);
-    hostReserveHuge(inst.entryRow, entries);
-    hostReserveHuge(inst.entryValue, entries);
+    inst.entryRow.reserve(entries);
+    inst.entryValue.reserve(entries);
   }
   // Lines are cut from blocks of the file; a line that runs over a block's end is carried.
   constexpr std::size_t kBlock = std::size_t{1} << 20;

@@ -98,7 +98,6 @@ struct NameTableOf {
   int32_t index() {
     std::vector<Slot>().swap(slots);
     const std::size_t slotCount = slotsFor(static_cast<std::size_t>(size()));
-    hostReserveHuge(slots, slotCount);
     slots.assign(slotCount, Slot{});
     constexpr int32_t kAhead = 8;
     std::array<uint64_t, kAhead> ahead{};
@@ -146,7 +145,6 @@ struct NameTableOf {
   }
   void rehash(std::size_t slotCount) {
     std::vector<Slot>().swap(slots);
-    hostReserveHuge(slots, slotCount);
     slots.assign(slotCount, Slot{});
     for (int32_t k = 0; k < size(); ++k) {
       const std::string_view t = name(k);

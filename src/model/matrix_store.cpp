@@ -3,32 +3,20 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdlib>
-#include <new>
-#include <stdexcept>
-
-#include "host/memory.h"
 
 ModelStore modelStore;
 
 namespace {
 
-// Sizes `data` to n elements and points `view` at them; false when memory runs out.
+// Points `view` at room for n elements in `data`, left as the system gives it: the fill writes
+// every element, so that each page of a large array is written once. false when memory runs out.
 template <class T>
-bool allocate(std::vector<T>& data, Vec1<T>& view, int32_t n) {
-  try {
-    if (data.capacity() < static_cast<size_t>(n)) {
-      std::vector<T>().swap(data);
-      hostReserveHuge(data, static_cast<size_t>(n));
-    }
-    data.assign(static_cast<size_t>(n), T{});
-  } catch (const std::bad_alloc&) {
-    view = {};
-    return false;
-  } catch (const std::length_error&) {
-    view = {};
-    return false;
-  }
-  view = {data.data(), n};
+bool allocate(std::unique_ptr<T[], void (*)(void*)>& data, Vec1<T>& view, int32_t n) {
+  view = {};
+  const size_t bytes = static_cast<size_t>(std::max(n, 1)) * sizeof(T);
+  data.reset(static_cast<T*>(std::malloc(bytes)));
+  if (data == nullptr) return false;
+  view = {data.get(), n};
   return true;
 }
 

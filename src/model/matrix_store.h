@@ -35,8 +35,10 @@ struct ModelStore {
   bool jacOpen = false;           // the arrays exist and the evaluator is ready
   bool jacFilled = false;         // the arrays are filled
 
-  std::vector<int32_t> colStartData, rowData;
-  std::vector<double> valueData;
+  // Filled by fillJacobian before anything reads them.
+  std::unique_ptr<int32_t[], void (*)(void*)> colStartData{nullptr, std::free};
+  std::unique_ptr<int32_t[], void (*)(void*)> rowData{nullptr, std::free};
+  std::unique_ptr<double[], void (*)(void*)> valueData{nullptr, std::free};
   // The marks are asked of the system as zeroed memory and only a nonlinear entry's mark is
   // written: a linear model's marks never take a page.
   std::unique_ptr<int32_t[], void (*)(void*)> nonlinearData{nullptr, std::free};

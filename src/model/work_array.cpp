@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/memory.h"
 
 WorkArray workArray;
 
@@ -117,7 +116,6 @@ bool allocateWorkArray(int64_t total) {
   if (total < 1) total = 1;
   void* p = std::calloc(static_cast<size_t>(total), 8);
   if (p == nullptr) return false;
-  hostPreferHugePages(p, static_cast<size_t>(total) * 8);  // touched first by a procedure
   std::free(workArray.words);  // a run allocates once; a test may allocate again
   workArray.words = p;
   workArray.total = total;
