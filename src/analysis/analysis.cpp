@@ -11,6 +11,8 @@
 #include "host/instance.h"
 #include "model/blocks.h"
 #include "model/work_array.h"
+#include "model/columns.h"
+#include "host/memory.h"
 
 namespace {
 
@@ -339,60 +341,82 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
     r.rowActivity(i, 4) = 1.0;
   }
   r.rowSignTable.fill(0);
-  r.colSignTable.fill(0);
   resetBoundTable(r.colBoundTable);
 
   const double objFactor = rs.minimizing ? -1.0 : 1.0;
   int32_t objSign = 0;
-  const bool scaled = rs.useScale != 0;
+  // What every entry reads, kept where no table write can reach it.
+  const int32_t objRow = rs.objRow, objVar = rs.objVar;
+  const double minusInf = rs.minusInf, plusInf = rs.plusInf;
+  const Vec1<int32_t> rowType = r.anaRowType;
+  const Vec1<double> minActivity = r.rowActivity.column(1), minState = r.rowActivity.column(2),
+                     maxActivity = r.rowActivity.column(3), maxState = r.rowActivity.column(4);
+  const Vec1<int32_t> rowNonlinear = r.rowSignTable.column(NONLINEAR_SLOT, SIGN_NONLINEAR);
+  const ColumnWalk walk = columnWalk(rs, r.colScale, r.rowScale);
   for (int32_t j = 1; j <= n; ++j) {
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(rs, j, r.colScale, j, r.colBoundTable, lower, upper);
-    walkColumn(model, j, m, r.colScale, r.rowScale, scaled, [&](int32_t i, double a, int32_t nonlinear) {
+    const Vec1<int32_t> positive = r.rowSignTable.column(t, SIGN_POSITIVE);
+    const Vec1<int32_t> negative = r.rowSignTable.column(t, SIGN_NEGATIVE);
+    // The column's own counts, written to colSignTable once it is walked.
+    int32_t counts[4][2] = {{0, 0}, {0, 0}, {0, 0}, {0, 0}};
+    int32_t colNonlinear = 0;
+    auto visit = [&](int32_t i, double a, int32_t nonlinear) {
       if (nonlinear > 0) {
-        r.rowSignTable(i, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;
-        r.colSignTable(j, NONLINEAR_SLOT, SIGN_NONLINEAR) += 1;
+        rowNonlinear[i] += 1;
+        colNonlinear += 1;
       }
-      if (i == rs.objRow) {
-        if (a > 0.0) r.rowSignTable(i, t, SIGN_POSITIVE) += 1;
-        if (a < 0.0) r.rowSignTable(i, t, SIGN_NEGATIVE) += 1;
-        if (j == rs.objVar) {
+      if (i == objRow) {
+        if (a > 0.0) positive[i] += 1;
+        if (a < 0.0) negative[i] += 1;
+        if (j == objVar) {
           if (a > 0.0) objSign = 1;
           if (a < 0.0) objSign = -1;
         }
         if (a != 0.0) {
           if (a * objFactor > 0.0) {
-            r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_BAD) = 1;
+            counts[SLOT_OBJECTIVE - 1][OBJECTIVE_BAD - 1] = 1;
           } else {
-            r.colSignTable(j, SLOT_OBJECTIVE, OBJECTIVE_GOOD) = 1;
+            counts[SLOT_OBJECTIVE - 1][OBJECTIVE_GOOD - 1] = 1;
           }
         }
         return;
       }
-      const int32_t typeSlot = rowTypeSlot(r.anaRowType[i]);
-      double& minActivity = r.rowActivity(i, 1);
-      double& minState = r.rowActivity(i, 2);
-      double& maxActivity = r.rowActivity(i, 3);
-      double& maxState = r.rowActivity(i, 4);
+      const int32_t typeSlot = rowTypeSlot(rowType[i]);
       if (a > 0.0) {
-        minActivity += a * lower;
-        if (lower != 0.0 && minState >= 0.0) minState = 1.0;
-        if (lower == rs.minusInf) minState = -1.0;
-        maxActivity += a * upper;
-        if (upper == rs.plusInf) maxState = 0.0;
-        r.rowSignTable(i, t, SIGN_POSITIVE) += 1;
-        r.colSignTable(j, typeSlot, SIGN_POSITIVE) += 1;
+        minActivity[i] += a * lower;
+        if (lower != 0.0 && minState[i] >= 0.0) minState[i] = 1.0;
+        if (lower == minusInf) minState[i] = -1.0;
+        maxActivity[i] += a * upper;
+        if (upper == plusInf) maxState[i] = 0.0;
+        positive[i] += 1;
+        counts[typeSlot - 1][SIGN_POSITIVE - 1] += 1;
       } else if (a < 0.0) {
-        minActivity += a * upper;
-        if (upper != 0.0 && minState >= 0.0) minState = 1.0;
-        if (upper == rs.plusInf) minState = -1.0;
-        maxActivity += a * lower;
-        if (lower == rs.minusInf) maxState = 0.0;
-        r.rowSignTable(i, t, SIGN_NEGATIVE) += 1;
-        r.colSignTable(j, typeSlot, SIGN_NEGATIVE) += 1;
+        minActivity[i] += a * upper;
+        if (upper != 0.0 && minState[i] >= 0.0) minState[i] = 1.0;
+        if (upper == plusInf) minState[i] = -1.0;
+        maxActivity[i] += a * lower;
+        if (lower == minusInf) maxState[i] = 0.0;
+        negative[i] += 1;
+        counts[typeSlot - 1][SIGN_NEGATIVE - 1] += 1;
       }
+    };
+    // The sums of rows far apart in memory: each entry asks for the cells that a later one
+    // will add to.
+    walkColumnAhead(walk, j, visit, [&](int32_t i, double a) {
+      hostPrefetch(&rowType[i]);
+      hostPrefetch(&minActivity[i]);
+      hostPrefetch(&minState[i]);
+      hostPrefetch(&maxActivity[i]);
+      hostPrefetch(&maxState[i]);
+      hostPrefetch(a > 0.0 ? &positive[i] : &negative[i]);
     });
+    for (int32_t k = 1; k <= 4; ++k) {
+      r.colSignTable(j, k, SIGN_POSITIVE) = counts[k - 1][0];
+      r.colSignTable(j, k, SIGN_NEGATIVE) = counts[k - 1][1];
+    }
+    r.colSignTable(j, NONLINEAR_SLOT, SIGN_NONLINEAR) = colNonlinear;
   }
 
   // Objective turn: keep goodObjective meaning "raising the variable improves the objective"

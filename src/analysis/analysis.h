@@ -106,25 +106,6 @@ inline int32_t rowTypeSlot(int32_t rowType) {
   return isRowType(rowType) ? rowType + 1 : 1;
 }
 
-// Walks the entries of column j through the host, in the host's order, and hands each to
-// visit(row, coefficient, nonlinear) with the coefficient read as every procedure reads it:
-// the host's value / colScale[j] x rowScale[row]. An empty column gives nothing. Unless
-// `scaled`, both factors are 1 and the host's value is the coefficient as it stands: the walk
-// then reads no row's factor, a load per entry at a row far from the last one.
-template <class Visit>
-void walkColumn(ovmHandle model, int32_t j, int32_t rowCount, Vec1<double> colScale,
-                Vec1<double> rowScale, bool scaled, Visit&& visit) {
-  int32_t cursor = 0;
-  do {
-    double value = 0.0;
-    int32_t row = 0;
-    int32_t nonlinear = 0;
-    ovmGetColJacInfoOne(model, j, cursor, value, row, nonlinear);
-    if (row < 1 || row > rowCount) return;
-    visit(row, scaled ? value / colScale[j] * rowScale[row] : value, nonlinear);
-  } while (cursor != 0);
-}
-
 // Reads column j as every procedure does: its scale factor into colScale[j], and its bounds,
 // multiplied by that factor unless infinite, into lower and upper, classified into row `index`
 // of boundTable (the column itself, or its block). Gives the boundClass that row holds now.

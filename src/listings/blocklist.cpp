@@ -6,6 +6,7 @@
 #include "analysis/analysis.h"
 #include "base/notation.h"
 #include "model/blocks.h"
+#include "model/columns.h"
 
 namespace {
 
@@ -64,14 +65,14 @@ void runBlockList(const BlockListRegions& w, RunContext& rs) {
   }
 
   int32_t objTurn = rs.minimizing ? -1 : 1;
-  const bool scaled = rs.useScale != 0;
+  const ColumnWalk walk = columnWalk(rs, w.colScale, w.rowScale);
   for (int32_t j = 1; j <= colCount; ++j) {
     const int32_t c = w.colBlockOf[j];
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(rs, j, w.colScale, c, w.blockColBoundTable, lower, upper);
     bool columnNonlinear = false;
-    walkColumn(model, j, rowCount, w.colScale, w.rowScale, scaled, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(walk, j, [&](int32_t i, double a, int32_t nl) {
       const int32_t e = w.rowBlockOf[i];
 
       // Extremes leave out the objective row (variable list) and the objective variable

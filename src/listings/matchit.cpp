@@ -8,6 +8,7 @@
 
 #include "analysis/analysis.h"
 #include "model/blocks.h"
+#include "model/columns.h"
 #include "request/item_selection.h"
 #include "request/section_reader.h"
 
@@ -266,6 +267,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
 
   // Column pass: the variable tallies and list, and the sums of the row groups.
   ItemNamer colNames(lists.col, vars.count);
+  const ColumnWalk walk = columnWalk(run, r.colScale, r.rowScale);
   int64_t entryCount = 0;
   for (int32_t j = 1; j <= n; ++j) {
     ItemCounts c;
@@ -277,7 +279,7 @@ void runMatchIt(const MatchItRegions& r, RunContext& run) {
     const bool listed = selected && match.directCode == FILTER_ON;
     if (listed) report.listHead(vars, headWritten);
     const bool objectiveColumn = j == run.objVar;
-    walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(walk, j, [&](int32_t i, double a, int32_t nl) {
       countEntry(c, a, nl > 0, i == run.objRow);
       if (groups.code.empty()) return;
       int32_t& code = groups.code[static_cast<size_t>(i)];

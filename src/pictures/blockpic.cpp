@@ -9,6 +9,7 @@
 #include "analysis/analysis.h"
 #include "base/text.h"
 #include "model/blocks.h"
+#include "model/columns.h"
 #include "pictures/cells.h"
 #include "base/notation.h"
 
@@ -485,13 +486,13 @@ void runBlockPicture(const BlockPicRegions& w, RunContext& rs) {
     if (r < 0.0) ++w.blockPairCountB(e, rhs);
   }
 
-  const bool scaled = rs.useScale != 0;
+  const ColumnWalk walk = columnWalk(rs, w.colScale, w.rowScale);
   for (int32_t j = 1; j <= colCount; ++j) {
     const int32_t c = w.colBlockOf[j];
     double lower = 0.0;
     double upper = 0.0;
     const int32_t t = readColumnBounds(rs, j, w.colScale, c, w.blockColBoundTable, lower, upper);
-    walkColumn(model, j, rowCount, w.colScale, w.rowScale, scaled, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(walk, j, [&](int32_t i, double a, int32_t nl) {
       const int32_t e = w.rowBlockOf[i];
       if (j == rs.objVar && rs.objRow == 0) rs.objRow = i;
       const double size = std::fabs(a);

@@ -9,6 +9,7 @@
 
 #include "analysis/analysis.h"
 #include "model/blocks.h"
+#include "model/columns.h"
 #include "request/item_selection.h"
 #include "request/section_reader.h"
 
@@ -345,6 +346,7 @@ void runPicture(const PictureRegions& r, RunContext& run) {
 
   // Columns: scale, bounds, entries, and the marks that entries give rows and columns.
   SymbolMemo colMemo;
+  const ColumnWalk walk = columnWalk(run, r.colScale, r.rowScale);
   int32_t p = 1;
   for (int32_t j = 1; j <= n; ++j) {
     r.colStat[j] = 0;
@@ -357,7 +359,7 @@ void runPicture(const PictureRegions& r, RunContext& run) {
     r.colStart[j] = p;
     const ItemMatch col = matchVarRequests(item, lists, SCOPE_ALL, 0, run.procIndex, &colMemo);
     if (col.directCode > 0) r.colStat[j] = 1;
-    walkColumn(run.model, j, m, r.colScale, r.rowScale, run.useScale != 0, [&](int32_t i, double a, int32_t nl) {
+    walkColumn(walk, j, [&](int32_t i, double a, int32_t nl) {
       if (p > r.colRowIndex.size()) return;
       r.colRowIndex[p] = nl > 0 ? -i : i;
       r.colCoef[p] = a;

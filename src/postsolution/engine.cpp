@@ -11,7 +11,8 @@
 #include "analysis/analysis.h"
 #include "host/host.h"
 #include "model/blocks.h"
-#include "model/matrix_store.h"
+#include "host/memory.h"
+#include "model/columns.h"
 #include "postsolution/engine_internal.h"
 #include "request/item_selection.h"
 #include "request/section_reader.h"
@@ -197,6 +198,11 @@ void loadColumns(Engine& e) {
       crossCode = m.crossCode;
     }
     for (int32_t k = store.jacColStart[j]; k < store.jacColStart[j + 1]; ++k) {
+      // Rows far apart in memory: ask for a later entry's cells now.
+      if (const int32_t ahead = storeRowAhead(store, k); ahead > 0) {
+        hostPrefetch(&r.rowFill[ahead]);
+        if (byRequests) hostPrefetch(&found.row[static_cast<size_t>(ahead)]);
+      }
       const int32_t i = store.jacRow[k];
       r.rowFill[i] += 1;
       if (copy) {
@@ -338,6 +344,8 @@ void columnPass(Engine& e) {
     e.budgetSum = 0.0;
     e.budgetAbs = 0.0;
     int32_t objCoefSign = 0;
+    // A hidden column's entries matter only for the objective's direction and the lists.
+    if (hidden && !lists && j != rs.objVar) continue;
     const int32_t end = j < rs.colCount ? e.colStart[j + 1] : e.entryCount + 1;
     for (int32_t k = e.colStart[j]; k < end; ++k) {
       const int32_t i = std::abs(e.colRowIndex[k]);
