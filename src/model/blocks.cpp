@@ -67,13 +67,7 @@ void appendLabels(ovdHandle dictionary, const ItemUels& u, std::string& text) {
 }
 
 void fillParts(ovdHandle dictionary, const ItemUels& u, TextTable labels) {
-  std::string label;
-  for (int32_t k = 1; k <= u.dim && k <= labels.n; ++k) {
-    char quote = ' ';
-    label.clear();
-    ovdUelLabel(dictionary, u.uels[k - 1], quote, label);
-    labels.set(k, label);
-  }
+  for (int32_t k = 1; k <= u.dim && k <= labels.n; ++k) labelPart(dictionary, u.uels[k - 1], labels, k);
 }
 
 // A text longer than its capacity keeps capacity - 1 characters and ends in "~".
@@ -228,6 +222,22 @@ int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTab
   dim = u.dim;
   fillParts(dictionary, u, labels);
   return u.symbol;
+}
+
+int32_t itemUelNumbers(ovdHandle dictionary, bool column, int32_t index, int32_t* uels,
+                       int32_t& dim) {
+  const ItemUels u = column ? colUels(dictionary, index) : rowUels(dictionary, index);
+  dim = u.dim;
+  std::copy_n(u.uels.begin(), u.dim, uels);
+  return u.symbol;
+}
+
+void labelPart(ovdHandle dictionary, int32_t uel, TextTable labels, int32_t k) {
+  static std::string label;
+  char quote = ' ';
+  label.clear();
+  ovdUelLabel(dictionary, uel, quote, label);
+  labels.set(k, label);
 }
 
 void symbolNameOf(ovdHandle dictionary, int32_t symbol, std::string& text) {

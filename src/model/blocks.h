@@ -65,6 +65,12 @@ void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::
 // once, with symbolNameOf, when the number changes.
 int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTable labels,
                        int32_t& dim);
+// The same without the labels' text: their UEL numbers into uels[0..dim-1] (room for
+// MAX_SYMBOL_DIM), whose text labelPart gives when it is needed.
+int32_t itemUelNumbers(ovdHandle dictionary, bool column, int32_t index, int32_t* uels,
+                       int32_t& dim);
+// The text of UEL `uel` into labels[k], as form LABEL_PARTS gives a label.
+void labelPart(ovdHandle dictionary, int32_t uel, TextTable labels, int32_t k);
 // A symbol's name as the label forms give it: its first NAME_LEN characters, no trailing blanks.
 void symbolNameOf(ovdHandle dictionary, int32_t symbol, std::string& text);
 

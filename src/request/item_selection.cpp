@@ -75,24 +75,54 @@ void comparedForm(std::string_view text, char (&out)[kName]) {
   std::fill(blank, out + kName, ' ');
 }
 
-// One item's labels in compared form, made at the first plain pattern that needs them.
+// One item's labels as a match reads them: their text, fetched from the dictionary at the first
+// pattern that reads it when the item carries UEL numbers, and their compared forms.
 struct ItemForms {
+  char text[MAX_SYMBOL_DIM][kName];
+  uint32_t fetched = 0;  // bit p - 1: label p's text is in `text`
   char form[MAX_SYMBOL_DIM][kName];
   int32_t made = 0;
+  std::string_view label(const ItemName& item, int32_t p) {
+    if (item.uels == nullptr) return item.labels.view(p);
+    const TextTable own{&text[0][0], kName, MAX_SYMBOL_DIM};
+    if ((fetched & (1u << (p - 1))) == 0) {
+      labelPart(item.dictionary, item.uels[p - 1], own, p);
+      fetched |= 1u << (p - 1);
+    }
+    return own.view(p);
+  }
   const char* at(const ItemName& item, int32_t p) {
-    for (; made < p; ++made) comparedForm(item.labels.view(made + 1), form[made]);
+    for (; made < p; ++made) comparedForm(label(item, made + 1), form[made]);
     return form[p - 1];
   }
 };
 
+// The number of a compared form (NAME_LEN characters), given when the form is first met.
+int32_t formNumber(SymbolMemo& memo, std::string_view form) {
+  const auto next = static_cast<int32_t>(memo.formNumbers.size()) + 1;
+  return memo.formNumbers.try_emplace(std::string(form), next).first->second;
+}
+
+// The form number of label p of an item named by UEL numbers.
+int32_t uelFormNumber(SymbolMemo& memo, const ItemName& item, int32_t p, ItemForms& forms) {
+  const auto uel = static_cast<size_t>(item.uels[p - 1]);
+  if (uel >= memo.uelForm.size()) memo.uelForm.resize(std::max(uel + 1, 2 * memo.uelForm.size()), 0);
+  int32_t& number = memo.uelForm[uel];
+  if (number == 0) number = formNumber(memo, std::string_view(forms.at(item, p), kName));
+  return number;
+}
+
 // Whether one item's labels meet the element patterns of request k.
-bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item,
-                const SymbolMemo& memo, ItemForms& forms) {
+bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item, SymbolMemo& memo,
+                ItemForms& forms) {
   const int32_t n = std::min(side.dim[k], item.dim);
-  const uint8_t* plain = memo.plain.data() + static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM;
+  const size_t at = static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM;
   for (int32_t p = 1; p <= n; ++p) {
     const std::string_view pattern = side.label(k, p);
-    if (plain[p - 1] != 0 && pattern.size() == static_cast<size_t>(kName)) {
+    const int32_t patternForm = memo.patternForm[at + static_cast<size_t>(p - 1)];
+    if (patternForm > 0 && item.uels != nullptr && item.uels[p - 1] > 0) {
+      if (uelFormNumber(memo, item, p, forms) != patternForm) return false;
+    } else if (patternForm > 0) {
       // Most plain patterns of a list differ from a label in its first eight bytes.
       const char* form = forms.at(item, p);
       uint64_t head = 0, formHead = 0;
@@ -101,7 +131,7 @@ bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item,
       if (head != formHead) return false;
       if (std::memcmp(pattern.data() + sizeof head, form + sizeof head, kName - sizeof head) != 0)
         return false;
-    } else if (!matchPattern(pattern, item.labels.view(p))) {
+    } else if (!matchPattern(pattern, forms.label(item, p))) {
       return false;
     }
   }
@@ -114,13 +144,17 @@ bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item,
 const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t count,
                                            const ItemName& item, SymbolMemo& memo) {
   const auto slots = static_cast<size_t>(std::max(count, 0)) * MAX_SYMBOL_DIM;
-  const bool fresh = memo.plain.size() != slots;
+  const bool fresh = memo.patternForm.size() != slots;
   if (fresh) {
-    memo.plain.assign(slots, 0);
+    memo.patternForm.assign(slots, 0);
+    memo.uelForm.clear();
+    memo.formNumbers.clear();
     for (int32_t k = 1; k <= count; ++k) {
       for (int32_t p = 1; p <= std::min(side.dim[k], MAX_SYMBOL_DIM); ++p) {
-        memo.plain[static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM + static_cast<size_t>(p - 1)] =
-            isPlainPattern(side.label(k, p)) ? 1 : 0;
+        const std::string_view pattern = side.label(k, p);
+        if (pattern.size() != static_cast<size_t>(kName) || !isPlainPattern(pattern)) continue;
+        memo.patternForm[static_cast<size_t>(k - 1) * MAX_SYMBOL_DIM + static_cast<size_t>(p - 1)] =
+            formNumber(memo, pattern);
       }
     }
   }
@@ -279,14 +313,14 @@ namespace {
 
 const ItemName& itemName(ovdHandle dictionary, bool column, int32_t index,
                          ItemNameBuffer& buffer) {
-  const TextTable labels{buffer.labelText, NAME_LEN, MAX_SYMBOL_DIM};
   int32_t dim = 0;
-  const int32_t symbol = itemLabelParts(dictionary, column, index, labels, dim);
+  const int32_t symbol = itemUelNumbers(dictionary, column, index, buffer.uels, dim);
   if (symbol != buffer.symbolNumber) {
     symbolNameOf(dictionary, symbol, buffer.symbol);
     buffer.symbolNumber = symbol;
   }
-  buffer.item = {buffer.symbol, labels, std::clamp(dim, 0, MAX_SYMBOL_DIM)};
+  buffer.item = {buffer.symbol, TextTable{},
+                 std::clamp(dim, 0, MAX_SYMBOL_DIM), buffer.uels, dictionary};
   return buffer.item;
 }
 

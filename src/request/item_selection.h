@@ -6,7 +6,9 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/host.h"
@@ -20,10 +22,14 @@
 bool matchPattern(std::string_view pattern, std::string_view text);
 
 // An item under test: its symbol name and its first `dim` labels (NAME_LEN characters each).
+// An item named from the dictionary carries its labels' UEL numbers instead of their text,
+// which a match fetches only for a pattern that reads it.
 struct ItemName {
   std::string_view symbol;
-  TextTable labels;  // width NAME_LEN, MAX_SYMBOL_DIM entries
+  TextTable labels;  // width NAME_LEN, MAX_SYMBOL_DIM entries; not filled when `uels` is set
   int32_t dim = 0;
+  const int32_t* uels = nullptr;
+  ovdHandle dictionary = nullptr;  // gives the text of `uels`
 };
 
 // The result of testing one item against a list.
@@ -41,7 +47,9 @@ inline constexpr int32_t SCOPE_ONE = 3;    // request `requestIndex` only
 // What a walk over many items keeps of one list: which requests' symbol patterns meet the
 // symbol of the items at hand (a symbol is matched once, not once per item), and which element
 // patterns are plain names, met by one name only, so that an item's label is compared with them
-// by its normal form, made once per item, instead of by matching the pattern.
+// by its normal form, made once per item, instead of by matching the pattern. Normal forms are
+// numbered as they are met: a plain pattern and each UEL get the number of theirs, so that an
+// item named by UEL numbers is compared by numbers and its labels' text is never fetched.
 // A few symbols are kept, for walks whose symbols take turns (the halves of ranged rows).
 struct SymbolMemo {
   struct Entry {
@@ -53,7 +61,9 @@ struct SymbolMemo {
   std::array<Entry, kSymbols> entries;
   size_t next = 0;             // the entry that the next new symbol takes
   size_t last = 0;             // the entry met last
-  std::vector<uint8_t> plain;  // per request and position, 1 for a plain element pattern
+  std::vector<int32_t> patternForm;  // per request and position, a plain pattern's form number
+  std::vector<int32_t> uelForm;      // per UEL number, its label's form number; 0 not made yet
+  std::unordered_map<std::string, int32_t> formNumbers;  // normal forms met, by their text
 };
 
 // Tests an item against the variable list (scope, requestIndex as above); marks `found` of
@@ -96,7 +106,7 @@ void resolveRequests(const SelectionContext& context, const RequestLists& lists,
 struct ItemNameBuffer {
   std::string symbol;
   int32_t symbolNumber = -1;
-  char labelText[LABELS_LEN] = {};
+  int32_t uels[MAX_SYMBOL_DIM] = {};
   ItemName item;
 };
 const ItemName& columnName(RunContext& run, ovdHandle dictionary, int32_t col,
