@@ -67,7 +67,9 @@ void appendLabels(ovdHandle dictionary, const ItemUels& u, std::string& text) {
 }
 
 void fillParts(ovdHandle dictionary, const ItemUels& u, TextTable labels) {
-  for (int32_t k = 1; k <= u.dim && k <= labels.n; ++k) labelPart(dictionary, u.uels[k - 1], labels, k);
+  for (int32_t k = 1; k <= u.dim && k <= labels.n; ++k) {
+    labelPart(dictionary, u.uels[k - 1], labels, k);
+  }
 }
 
 // A text longer than its capacity keeps capacity - 1 characters and ends in "~".

@@ -106,7 +106,9 @@ int32_t formNumber(SymbolMemo& memo, std::string_view form) {
 // The form number of label p of an item named by UEL numbers.
 int32_t uelFormNumber(SymbolMemo& memo, const ItemName& item, int32_t p, ItemForms& forms) {
   const auto uel = static_cast<size_t>(item.uels[p - 1]);
-  if (uel >= memo.uelForm.size()) memo.uelForm.resize(std::max(uel + 1, 2 * memo.uelForm.size()), 0);
+  if (uel >= memo.uelForm.size()) {
+    memo.uelForm.resize(std::max(uel + 1, 2 * memo.uelForm.size()), 0);
+  }
   int32_t& number = memo.uelForm[uel];
   if (number == 0) number = formNumber(memo, std::string_view(forms.at(item, p), kName));
   return number;
@@ -140,9 +142,9 @@ bool labelsMeet(const SelectionSide& side, int32_t k, const ItemName& item, Symb
 
 // The requests that meet the item's symbol, from the memo or matched now, so that a
 // walk over the items of one symbol matches its patterns once; the plain patterns of the list,
-// marked at the first call.
-const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t count,
-                                           const ItemName& item, SymbolMemo& memo) {
+// numbered at the first call.
+const SymbolMemo::Entry& symbolRequests(const SelectionSide& side, int32_t count,
+                                        const ItemName& item, SymbolMemo& memo) {
   const auto slots = static_cast<size_t>(std::max(count, 0)) * MAX_SYMBOL_DIM;
   const bool fresh = memo.patternForm.size() != slots;
   if (fresh) {
@@ -164,9 +166,9 @@ const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t co
     return e.length == len && (len == 0 || std::memcmp(e.symbol, s.data(), s.size()) == 0);
   };
   if (!fresh) {
-    if (holds(memo.entries[memo.last])) return memo.entries[memo.last].met;
+    if (holds(memo.entries[memo.last])) return memo.entries[memo.last];
     for (size_t q = 0; q < SymbolMemo::kSymbols; ++q) {
-      if (holds(memo.entries[q])) return memo.entries[memo.last = q].met;
+      if (holds(memo.entries[q])) return memo.entries[memo.last = q];
     }
   } else {
     for (SymbolMemo::Entry& e : memo.entries) e.length = -1;
@@ -175,12 +177,23 @@ const std::vector<int32_t>& symbolRequests(const SelectionSide& side, int32_t co
   SymbolMemo::Entry& e = memo.entries[memo.next];
   memo.next = (memo.next + 1) % SymbolMemo::kSymbols;
   e.met.clear();
+  e.byFirstForm.clear();
+  e.open.clear();
   for (int32_t r = 1; r <= count; ++r) {
-    if (matchPattern(side.symbol.view(r), s)) e.met.push_back(r);
+    if (!matchPattern(side.symbol.view(r), s)) continue;
+    e.met.push_back(r);
+    const size_t firstPattern = static_cast<size_t>(r - 1) * MAX_SYMBOL_DIM;
+    const int32_t form = side.dim[r] >= 1 ? memo.patternForm[firstPattern] : 0;
+    if (form > 0) {
+      e.byFirstForm.emplace_back(form, r);
+    } else {
+      e.open.push_back(r);
+    }
   }
+  std::sort(e.byFirstForm.begin(), e.byFirstForm.end());
   if (len > 0) std::memcpy(e.symbol, s.data(), s.size());
   e.length = len;
-  return e.met;
+  return e;
 }
 
 ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t count,
@@ -194,20 +207,40 @@ ItemMatch matchList(const ItemName& item, const SelectionSide& side, int32_t cou
     return matchList(item, side, count, matchScope, requestIndex, &own);
   }
   SymbolMemo& marks = *memo;
-  const std::vector<int32_t>& met = symbolRequests(side, count, item, marks);
-  const bool stopAtFirst = matchScope == SCOPE_FIRST;
+  const SymbolMemo::Entry& symbol = symbolRequests(side, count, item, marks);
   ItemForms forms;
-  for (auto it = std::lower_bound(met.begin(), met.end(), first);
-       it != met.end() && *it <= last; ++it) {
-    const int32_t k = *it;
-    if (item.dim != 0 && !labelsMeet(side, k, item, marks, forms)) continue;
+  // Tests request k; true when the walk stops there.
+  const auto test = [&](int32_t k) {
+    if (item.dim != 0 && !labelsMeet(side, k, item, marks, forms)) return false;
     side.selSpec(k, SPEC_FOUND) = 1;
     if (side.selSpec(k, SPEC_DIRECT) > 0) m.directCode = side.selSpec(k, SPEC_DIRECT);
     if (side.selSpec(k, SPEC_CROSS) > 0) m.crossCode = side.selSpec(k, SPEC_CROSS);
     m.selected = 1;
-    if (stopAtFirst) return m;
+    return matchScope == SCOPE_FIRST;
+  };
+  const std::vector<int32_t>& met = symbol.met;
+  if (item.dim == 0 || item.uels == nullptr || item.uels[0] < 1) {
+    for (auto it = std::lower_bound(met.begin(), met.end(), first);
+         it != met.end() && *it <= last; ++it) {
+      if (test(*it)) return m;
+    }
+    return m;
   }
-  return m;
+  // Named by UEL numbers: of the requests whose first pattern is plain, only those of the first
+  // label's form can meet the item. They and the open ones are tested in request order.
+  const int32_t form = uelFormNumber(marks, item, 1, forms);
+  auto plain = std::lower_bound(symbol.byFirstForm.begin(), symbol.byFirstForm.end(),
+                                std::pair<int32_t, int32_t>{form, first});
+  const auto plainEnd = symbol.byFirstForm.end();
+  auto open = std::lower_bound(symbol.open.begin(), symbol.open.end(), first);
+  while (true) {
+    const bool plainLeft = plain != plainEnd && plain->first == form && plain->second <= last;
+    const bool openLeft = open != symbol.open.end() && *open <= last;
+    if (!plainLeft && !openLeft) return m;
+    const bool takePlain = plainLeft && (!openLeft || plain->second < *open);
+    const int32_t k = takePlain ? (plain++)->second : *open++;
+    if (test(k)) return m;
+  }
 }
 
 // True when each of the first `count` requests of a side meets every item whatever its name.

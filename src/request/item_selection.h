@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/host.h"
@@ -54,6 +55,11 @@ inline constexpr int32_t SCOPE_ONE = 3;    // request `requestIndex` only
 struct SymbolMemo {
   struct Entry {
     std::vector<int32_t> met;  // the requests whose symbol pattern meets `symbol`, ascending
+    // The same requests split by their first element pattern: those whose first pattern is
+    // plain, by its form number and request, and the others (ascending), which an item's first
+    // label cannot rule out by number alone.
+    std::vector<std::pair<int32_t, int32_t>> byFirstForm;
+    std::vector<int32_t> open;
     char symbol[NAME_LEN] = {};
     int32_t length = -1;  // -1: no symbol yet
   };
