@@ -157,6 +157,17 @@ void loadColumns(Engine& e) {
   e.colStart = copy ? r.colStart : store.jacColStart;
   e.colRowIndex = copy ? r.colRowIndex : store.jacRow;
   e.colCoef = copy ? r.colCoef : store.jacValue;
+  // What an entry reads of its row's match, a byte a row, so that the rows stay in the cache.
+  enum : uint8_t { ROW_DIRECT = 1, ROW_CROSS = 2 };
+  std::vector<uint8_t> rowCodes;
+  if (byRequests) {
+    rowCodes.resize(static_cast<size_t>(rs.rowCount) + 1, 0);
+    for (int32_t i = 1; i <= rs.rowCount; ++i) {
+      const ItemMatch& row = found.row[static_cast<size_t>(i)];
+      rowCodes[static_cast<size_t>(i)] = static_cast<uint8_t>(
+          (row.directCode > 0 ? ROW_DIRECT : 0) | (row.crossCode > 0 ? ROW_CROSS : 0));
+    }
+  }
   int32_t next = 1;
   for (int32_t j = 1; j <= rs.colCount; ++j) {
     const double scale = rs.useScale > 0 ? ovmGetVarScaleOne(model, j) : 1.0;
@@ -198,11 +209,8 @@ void loadColumns(Engine& e) {
       crossCode = m.crossCode;
     }
     for (int32_t k = store.jacColStart[j]; k < store.jacColStart[j + 1]; ++k) {
-      // Rows far apart in memory: ask for a later entry's cells now.
-      if (const int32_t ahead = storeRowAhead(store, k); ahead > 0) {
-        hostPrefetch(&r.rowFill[ahead]);
-        if (byRequests) hostPrefetch(&found.row[static_cast<size_t>(ahead)]);
-      }
+      // Rows far apart in memory: ask for a later entry's count now.
+      if (const int32_t ahead = storeRowAhead(store, k); ahead > 0) hostPrefetch(&r.rowFill[ahead]);
       const int32_t i = store.jacRow[k];
       r.rowFill[i] += 1;
       if (copy) {
@@ -211,9 +219,9 @@ void loadColumns(Engine& e) {
       }
       ++next;
       if (!byRequests) continue;
-      const ItemMatch& row = found.row[static_cast<size_t>(i)];
-      if (row.directCode > 0 || crossCode > 0) r.rowSelected[i] = 1;
-      if (row.crossCode > 0) s.colStat[j] = 1;
+      const uint8_t row = rowCodes[static_cast<size_t>(i)];
+      if ((row & ROW_DIRECT) != 0 || crossCode > 0) r.rowSelected[i] = 1;
+      if ((row & ROW_CROSS) != 0) s.colStat[j] = 1;
     }
   }
   e.entryCount = next - 1;
