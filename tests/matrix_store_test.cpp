@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "host/host.h"
 #include "host/instance.h"
+#include "model/columns.h"
 
 namespace {
 
@@ -222,6 +224,102 @@ TEST(TransposeMatrix, RowFormOfTheStoreMatchesTheHostsRows) {
   EXPECT_EQ(rowColIndex, (std::vector<int32_t>{1, 3, 1, 2, -2}));
   EXPECT_EQ(rowCoef, (std::vector<double>{2.0, 5.0, 1.0, 4.0, 3.0}));
   EXPECT_EQ(rowFill, (std::vector<int32_t>{2, 2, 1}));
+}
+
+// Walking the columns: a linear model is read from the store, a nonlinear one through the
+// host, and both give what the host gives, scaled as every procedure reads it.
+struct Entry {
+  int32_t col, row;
+  double value;
+  int32_t nonlinear;
+  bool operator==(const Entry& o) const {
+    return std::tie(col, row, value, nonlinear) == std::tie(o.col, o.row, o.value, o.nonlinear);
+  }
+};
+
+// 4 rows and 5 columns, the second empty: 15 entries, rows going round in column order.
+HostInstance walkedInstance(std::vector<int32_t> nonlinear = {}) {
+  std::vector<int32_t> rows;
+  std::vector<double> values;
+  for (int32_t k = 0; k < 15; ++k) {
+    rows.push_back((3 * k + 1) % 4);
+    values.push_back(k % 2 == 0 ? 1.0 + k : -0.5 * k);
+  }
+  return makeInstance(4, {0, 3, 3, 7, 11, 15}, rows, values, nonlinear);
+}
+
+struct Walked {
+  std::vector<Entry> entries;
+  std::vector<int32_t> ahead;  // rows handed to `ahead`, in order
+  bool fromStore = false;
+};
+
+Walked walkAll(ovmHandle model, const ModelStore& store, bool scaled, std::vector<double>& colScale,
+               std::vector<double>& rowScale) {
+  RunContext run;
+  run.model = model;
+  run.rowCount = 4;
+  run.colCount = 5;
+  run.useScale = scaled ? 1 : 0;
+  const ColumnWalk walk = columnWalk(run, view(colScale), view(rowScale), store);
+  Walked w;
+  w.fromStore = walk.store != nullptr;
+  for (int32_t j = 1; j <= 5; ++j) {
+    walkColumnAhead(
+        walk, j, [&](int32_t i, double a, int32_t nl) { w.entries.push_back({j, i, a, nl}); },
+        [&](int32_t i, double) { w.ahead.push_back(i); });
+  }
+  return w;
+}
+
+TEST(ColumnWalk, LinearModelFromTheStoreAsTheHostGivesIt) {
+  Model model(walkedInstance());
+  ASSERT_NE(model.handle, nullptr);
+  ModelStore store;
+  ASSERT_EQ(openJacobian(store, nullptr, model.handle, 4, 5, 15), 0);
+  std::vector<double> colScale(5, 1.0), rowScale(4, 1.0);
+  // Not filled yet: through the host, which never looks ahead.
+  const Walked host = walkAll(model.handle, store, false, colScale, rowScale);
+  EXPECT_FALSE(host.fromStore);
+  EXPECT_TRUE(host.ahead.empty());
+  ASSERT_FALSE(fillJacobian(store, nullptr, model.handle));
+  const Walked stored = walkAll(model.handle, store, false, colScale, rowScale);
+  EXPECT_TRUE(stored.fromStore);
+  ASSERT_EQ(host.entries.size(), 15u);
+  EXPECT_EQ(stored.entries, host.entries);
+  EXPECT_EQ(host.entries[3], (Entry{3, 3, -1.5, 0}));  // the empty column gives nothing
+  // Each of the first three entries looks twelve places on, across the columns.
+  EXPECT_EQ(stored.ahead, (std::vector<int32_t>{host.entries[12].row, host.entries[13].row,
+                                                host.entries[14].row}));
+}
+
+TEST(ColumnWalk, ScaledCoefficientIsTheValueOverTheColumnFactorTimesTheRowFactor) {
+  Model model(walkedInstance());
+  ModelStore store;
+  ASSERT_EQ(openJacobian(store, nullptr, model.handle, 4, 5, 15), 0);
+  std::vector<double> colScale{2.0, 1.0, 4.0, 0.5, 8.0}, rowScale{1.0, 3.0, 0.25, 10.0};
+  const Walked host = walkAll(model.handle, store, true, colScale, rowScale);
+  ASSERT_FALSE(fillJacobian(store, nullptr, model.handle));
+  const Walked stored = walkAll(model.handle, store, true, colScale, rowScale);
+  EXPECT_EQ(stored.entries, host.entries);
+  const Entry first = stored.entries[0];  // column 1, row 2, value 1.0
+  EXPECT_EQ(first.row, 2);
+  EXPECT_EQ(first.value, 1.0 / 2.0 * 3.0);
+}
+
+TEST(ColumnWalk, NonlinearModelThroughTheHostWithItsMarks) {
+  std::vector<int32_t> marks(15, 0);
+  marks[4] = 1;
+  Model model(walkedInstance(marks));
+  ModelStore store;
+  ASSERT_EQ(openJacobian(store, nullptr, model.handle, 4, 5, 15), 0);
+  ASSERT_FALSE(fillJacobian(store, nullptr, model.handle));
+  std::vector<double> colScale(5, 1.0), rowScale(4, 1.0);
+  const Walked w = walkAll(model.handle, store, false, colScale, rowScale);
+  EXPECT_FALSE(w.fromStore);
+  ASSERT_EQ(w.entries.size(), 15u);
+  EXPECT_EQ(w.entries[4].nonlinear, 1);
+  EXPECT_EQ(w.entries[5].nonlinear, 0);
 }
 
 }  // namespace
