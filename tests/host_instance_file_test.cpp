@@ -2,6 +2,7 @@
 // damaged file is refused without reading past its end.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -68,6 +69,47 @@ TEST(InstanceFile, LongArraysComeBackWhole) {
   EXPECT_EQ(readFile(first), readFile(second));
   EXPECT_EQ(back.entryValue, in.entryValue);
   EXPECT_EQ(back.entryRow, in.entryRow);
+}
+
+// A model without a solution hands over no solution vectors when they hold what the loader
+// makes again (levels 0, statuses from level 0); one status of its own keeps them all.
+TEST(InstanceFile, SolutionVectorsOfNoSolutionAreMadeAgainOnLoading) {
+  HostScratch scratch;
+  const std::string model = scratch.path("gen.mps");
+  std::FILE* f = std::fopen(model.c_str(), "w");
+  ASSERT_NE(f, nullptr);
+  ASSERT_TRUE(generateMps(MpsGeneratorSettings{400, 3, false, false}, f));
+  std::fclose(f);
+  HostInstance in;
+  ASSERT_TRUE(hostRead({model, ModelFormat::Mps, "", {}}, in));
+  ASSERT_FALSE(in.hasSolution);
+  // The generator's bounds put columns at level 0 both at their lower bound and between bounds.
+  for (int32_t stat : {0, 2}) {
+    EXPECT_NE(std::count(in.colStat.begin(), in.colStat.end(), stat), 0) << stat;
+  }
+  std::string error;
+  const std::string bare = scratch.path("bare.ins"), kept = scratch.path("kept.ins");
+  ASSERT_TRUE(writeInstanceFile(bare, in, error)) << error;
+  HostInstance back;
+  ASSERT_TRUE(loadInstanceFile(bare, back, error)) << error;
+  EXPECT_EQ(back.rowLevel, in.rowLevel);
+  EXPECT_EQ(back.rowMarginal, in.rowMarginal);
+  EXPECT_EQ(back.rowStat, in.rowStat);
+  EXPECT_EQ(back.rowCStat, in.rowCStat);
+  EXPECT_EQ(back.colLevel, in.colLevel);
+  EXPECT_EQ(back.colMarginal, in.colMarginal);
+  EXPECT_EQ(back.colStat, in.colStat);
+  EXPECT_EQ(back.colCStat, in.colCStat);
+
+  HostInstance own = in;
+  own.colStat[5] = 3;
+  ASSERT_TRUE(writeInstanceFile(kept, own, error)) << error;
+  HostInstance ownBack;
+  ASSERT_TRUE(loadInstanceFile(kept, ownBack, error)) << error;
+  EXPECT_EQ(ownBack.colStat, own.colStat);
+  // Left out: the level, marginal and two statuses of each row and column, 24 bytes each.
+  const auto items = static_cast<std::size_t>(in.rowCount + in.colCount);
+  EXPECT_EQ(readFile(kept).size() - readFile(bare).size(), 24 * items);
 }
 
 TEST(InstanceFile, ShortForeignNewerOrDamagedFilesAreRefused) {

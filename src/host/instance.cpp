@@ -34,26 +34,76 @@ std::string composeName(const HostInstance& inst, int32_t symbol, const int32_t*
 
 }  // namespace
 
+namespace {
+
+int32_t rowStatAt(const HostInstance& inst, std::size_t i, double level) {
+  if (inst.rowType[i] != kRowN && nearValue(level, inst.rowRhs[i]))
+    return inst.rowType[i] == kRowL ? 1 : 0;
+  return 2;
+}
+
+int32_t colStatAt(const HostInstance& inst, std::size_t j, double level) {
+  if (nearValue(level, inst.colLower[j])) return 0;
+  if (nearValue(level, inst.colUpper[j])) return 1;
+  return 2;
+}
+
+}  // namespace
+
 void hostDefaultStatuses(HostInstance& inst, const std::vector<bool>& rowGiven,
                          const std::vector<bool>& colGiven) {
   for (int32_t i = 0; i < inst.rowCount; ++i) {
     if (!rowGiven.empty() && rowGiven[i]) continue;
-    const double level = inst.rowLevel[i];
-    int32_t stat = 2;
-    if (inst.rowType[i] != kRowN && nearValue(level, inst.rowRhs[i]))
-      stat = inst.rowType[i] == kRowL ? 1 : 0;
-    inst.rowStat[i] = stat;
+    inst.rowStat[i] = rowStatAt(inst, static_cast<std::size_t>(i), inst.rowLevel[i]);
   }
   for (int32_t j = 0; j < inst.colCount; ++j) {
     if (!colGiven.empty() && colGiven[j]) continue;
-    const double level = inst.colLevel[j];
-    int32_t stat = 2;
-    if (nearValue(level, inst.colLower[j]))
-      stat = 0;
-    else if (nearValue(level, inst.colUpper[j]))
-      stat = 1;
-    inst.colStat[j] = stat;
+    inst.colStat[j] = colStatAt(inst, static_cast<std::size_t>(j), inst.colLevel[j]);
   }
+}
+
+bool hostSolutionIsDefault(const HostInstance& inst) {
+  if (inst.hasSolution) return false;
+  const auto m = static_cast<std::size_t>(inst.rowCount);
+  const auto n = static_cast<std::size_t>(inst.colCount);
+  if (inst.rowType.size() != m || inst.rowRhs.size() != m || inst.rowLevel.size() != m ||
+      inst.rowMarginal.size() != m || inst.rowStat.size() != m || inst.rowCStat.size() != m ||
+      inst.colLower.size() != n || inst.colUpper.size() != n || inst.colLevel.size() != n ||
+      inst.colMarginal.size() != n || inst.colStat.size() != n || inst.colCStat.size() != n)
+    return false;
+  for (std::size_t i = 0; i < m; ++i) {
+    if (inst.rowLevel[i] != 0.0 || inst.rowMarginal[i] != 0.0 || inst.rowCStat[i] != 0 ||
+        inst.rowStat[i] != rowStatAt(inst, i, 0.0))
+      return false;
+  }
+  for (std::size_t j = 0; j < n; ++j) {
+    if (inst.colLevel[j] != 0.0 || inst.colMarginal[j] != 0.0 || inst.colCStat[j] != 0 ||
+        inst.colStat[j] != colStatAt(inst, j, 0.0))
+      return false;
+  }
+  return true;
+}
+
+void hostRestoreSolutionDefaults(HostInstance& inst) {
+  const auto m = static_cast<std::size_t>(inst.rowCount);
+  const auto n = static_cast<std::size_t>(inst.colCount);
+  const bool empty = inst.rowLevel.empty() && inst.rowMarginal.empty() && inst.rowStat.empty() &&
+                     inst.rowCStat.empty() && inst.colLevel.empty() && inst.colMarginal.empty() &&
+                     inst.colStat.empty() && inst.colCStat.empty();
+  if (inst.hasSolution || !empty || inst.rowCount < 0 || inst.colCount < 0 ||
+      inst.rowType.size() != m || inst.rowRhs.size() != m || inst.colLower.size() != n ||
+      inst.colUpper.size() != n)
+    return;
+  inst.rowLevel.assign(m, 0.0);
+  inst.rowMarginal.assign(m, 0.0);
+  inst.rowCStat.assign(m, 0);
+  inst.rowStat.resize(m);
+  for (std::size_t i = 0; i < m; ++i) inst.rowStat[i] = rowStatAt(inst, i, 0.0);
+  inst.colLevel.assign(n, 0.0);
+  inst.colMarginal.assign(n, 0.0);
+  inst.colCStat.assign(n, 0);
+  inst.colStat.resize(n);
+  for (std::size_t j = 0; j < n; ++j) inst.colStat[j] = colStatAt(inst, j, 0.0);
 }
 
 void hostCompleteInstance(HostInstance& inst) {

@@ -144,6 +144,15 @@ void hostCompleteInstance(HostInstance& inst);
 void hostDefaultStatuses(HostInstance& inst, const std::vector<bool>& rowGiven,
                          const std::vector<bool>& colGiven);
 
+// True when an instance without a solution holds in its solution vectors only what
+// hostCompleteInstance gives them: levels, marginals and condition statuses 0, basis statuses
+// from level 0. Such vectors are not handed over: hostRestoreSolutionDefaults makes them again.
+bool hostSolutionIsDefault(const HostInstance& inst);
+// Gives an instance without a solution whose solution vectors are all empty those values. An
+// instance with a solution, with some of those vectors given, or whose rowType, rowRhs,
+// colLower and colUpper do not fit its counts is left as it is.
+void hostRestoreSolutionDefaults(HostInstance& inst);
+
 // Checks that the vectors of an instance fit its counts and that every entry names a row.
 // False with a message otherwise.
 bool hostCheckInstance(const HostInstance& inst, std::string& error);

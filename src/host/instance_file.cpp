@@ -152,16 +152,22 @@ struct Reader {
   }
 };
 
-// The fields of the file, in their one order, for writing and for reading.
+// The fields of the file, in their one order, for writing and for reading. Written with
+// `noSolution`, the solution vectors go as empty ones.
 template <typename IO, typename Instance>
-void visitInstance(IO& io, Instance& in) {
+void visitInstance(IO& io, Instance& in, bool noSolution = false) {
+  const auto solution = [&](auto& v) {
+    if (!noSolution) return io(v);
+    std::remove_cvref_t<decltype(v)> none;
+    io(none);
+  };
   io(in.inputName); io(in.sourcePath);
   io(in.rowCount); io(in.colCount); io(in.objVar); io(in.objRow);
   io(in.minimizing); io(in.hasScale); io(in.hasSolution); io(in.modelStat); io(in.solveStat);
-  io(in.rowType); io(in.rowRhs); io(in.rowScale); io(in.rowLevel); io(in.rowMarginal);
-  io(in.rowStat); io(in.rowCStat);
-  io(in.colType); io(in.colLower); io(in.colUpper); io(in.colScale); io(in.colLevel);
-  io(in.colMarginal); io(in.colStat); io(in.colCStat);
+  io(in.rowType); io(in.rowRhs); io(in.rowScale); solution(in.rowLevel);
+  solution(in.rowMarginal); solution(in.rowStat); solution(in.rowCStat);
+  io(in.colType); io(in.colLower); io(in.colUpper); io(in.colScale); solution(in.colLevel);
+  solution(in.colMarginal); solution(in.colStat); solution(in.colCStat);
   io(in.colStart); io(in.entryRow); io(in.entryValue); io(in.entryNonlinear);
   io(in.symbols); io(in.labels);
   io(in.rowSymbol); io(in.rowUelStart); io(in.rowUels);
@@ -182,7 +188,8 @@ bool writeInstanceFile(const std::string& path, const HostInstance& instance, st
   const uint32_t version = kInstanceFileVersion;
   bool ok = std::fwrite(kMagic, 1, sizeof kMagic, w.f) == sizeof kMagic &&
             std::fwrite(&version, sizeof version, 1, w.f) == 1;
-  visitInstance(w, instance);
+  // A model without a solution leaves out the solution vectors that the loader makes again.
+  visitInstance(w, instance, hostSolutionIsDefault(instance));
   const uint64_t sum = w.sum.value;
   ok = ok && w.ok && std::fwrite(&sum, sizeof sum, 1, w.f) == 1;
   if (std::fclose(file.release()) != 0) ok = false;
@@ -229,6 +236,7 @@ bool load(const std::string& path, HostInstance& instance, std::string& error, b
     error = path + ": the instance file is damaged (its checksum does not match)";
     return false;
   }
+  hostRestoreSolutionDefaults(instance);
   // Names as a reader takes them: no control character, a label's quote blank, ' or ".
   std::string fault;
   for (const HostSymbol& s : instance.symbols)
