@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cassert>
 #include <charconv>
 #include <cmath>
@@ -318,16 +319,14 @@ bool incrementDigits(char* first, char* last) {
 
 // A positive finite a is m x 2^k with m odd.
 void oddMantissa(double a, uint64_t& m, int& k) {
-  int e = 0;
-  const double frac = std::frexp(a, &e);  // a = frac x 2^e, frac in [0.5, 1)
-  uint64_t mi = static_cast<uint64_t>(std::ldexp(frac, 53));
-  int tz = 0;
-  while ((mi & 1u) == 0) {
-    mi >>= 1;
-    ++tz;
-  }
-  m = mi;
-  k = e - 53 + tz;
+  const auto bits = std::bit_cast<uint64_t>(a);
+  const auto biased = static_cast<int>(bits >> 52);
+  uint64_t mi = bits & ((uint64_t{1} << 52) - 1);
+  k = biased == 0 ? -1074 : biased - 1075;  // a subnormal has no hidden bit
+  if (biased != 0) mi |= uint64_t{1} << 52;
+  const int tz = std::countr_zero(mi);
+  m = mi >> tz;
+  k += tz;
 }
 
 constexpr size_t kNumBuf = 2 * kMaxNumber + 400;
