@@ -50,16 +50,24 @@ TEST(InstanceFile, WhatGoesInComesBack) {
   EXPECT_EQ(back.solveStat, 3);
 }
 
+// The generator's model of `columns` columns, read from its file in `scratch`.
+HostInstance generated(HostScratch& scratch, int64_t columns, uint64_t seed) {
+  const std::string model = scratch.path("gen.mps");
+  HostInstance in;
+  std::FILE* f = std::fopen(model.c_str(), "w");
+  EXPECT_NE(f, nullptr);
+  if (f == nullptr) return in;
+  EXPECT_TRUE(generateMps(MpsGeneratorSettings{columns, seed, false, false}, f));
+  std::fclose(f);
+  EXPECT_TRUE(hostRead({model, ModelFormat::Mps, "", {}}, in));
+  return in;
+}
+
 // Arrays longer than the pieces the reader reads them in come back whole.
 TEST(InstanceFile, LongArraysComeBackWhole) {
   HostScratch scratch;
-  const std::string model = scratch.path("gen.mps");
-  std::FILE* f = std::fopen(model.c_str(), "w");
-  ASSERT_NE(f, nullptr);
-  ASSERT_TRUE(generateMps(MpsGeneratorSettings{3000, 7, false, false}, f));
-  std::fclose(f);
-  HostInstance in, back;
-  ASSERT_TRUE(hostRead({model, ModelFormat::Mps, "", {}}, in));
+  const HostInstance in = generated(scratch, 3000, 7);
+  HostInstance back;
   ASSERT_GT(in.entryValue.size(), 3 * 4096u);
   std::string error;
   const std::string first = scratch.path("a.ins"), second = scratch.path("b.ins");
@@ -75,13 +83,8 @@ TEST(InstanceFile, LongArraysComeBackWhole) {
 // makes again (levels 0, statuses from level 0); one status of its own keeps them all.
 TEST(InstanceFile, SolutionVectorsOfNoSolutionAreMadeAgainOnLoading) {
   HostScratch scratch;
-  const std::string model = scratch.path("gen.mps");
-  std::FILE* f = std::fopen(model.c_str(), "w");
-  ASSERT_NE(f, nullptr);
-  ASSERT_TRUE(generateMps(MpsGeneratorSettings{400, 3, false, false}, f));
-  std::fclose(f);
-  HostInstance in;
-  ASSERT_TRUE(hostRead({model, ModelFormat::Mps, "", {}}, in));
+  const HostInstance in = generated(scratch, 400, 3);
+  ASSERT_GT(in.colCount, 0);
   ASSERT_FALSE(in.hasSolution);
   // The generator's bounds put columns at level 0 both at their lower bound and between bounds.
   for (int32_t stat : {0, 2}) {

@@ -267,7 +267,7 @@ Walked walkAll(ovmHandle model, const ModelStore& store, bool scaled, std::vecto
   for (int32_t j = 1; j <= 5; ++j) {
     walkColumnAhead(
         walk, j, [&](int32_t i, double a, int32_t nl) { w.entries.push_back({j, i, a, nl}); },
-        [&](int32_t i, double) { w.ahead.push_back(i); });
+        [&](int32_t i) { w.ahead.push_back(i); });
   }
   return w;
 }

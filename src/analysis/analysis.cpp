@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "host/instance.h"
-#include "model/blocks.h"
-#include "model/work_array.h"
-#include "model/columns.h"
 #include "host/memory.h"
+#include "model/blocks.h"
+#include "model/columns.h"
+#include "model/work_array.h"
 
 namespace {
 
@@ -416,7 +416,7 @@ void buildAnalysisTables(const AnalysisRegions& r, RunContext& rs) {
     };
     // Rows lie far apart in memory: each entry asks for the line of a later one.
     walkColumnAhead(walk, j, visit,
-                    [&](int32_t i, double) { hostPrefetch(&sums[static_cast<size_t>(i)]); });
+                    [&](int32_t i) { hostPrefetch(&sums[static_cast<size_t>(i)]); });
     for (int32_t k = 1; k <= 4; ++k) {
       r.colSignTable(j, k, SIGN_POSITIVE) = counts[k - 1][0];
       r.colSignTable(j, k, SIGN_NEGATIVE) = counts[k - 1][1];

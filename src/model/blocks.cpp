@@ -218,14 +218,6 @@ void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::
   fillParts(dictionary, u, labels);
 }
 
-int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTable labels,
-                       int32_t& dim) {
-  const ItemUels u = column ? colUels(dictionary, index) : rowUels(dictionary, index);
-  dim = u.dim;
-  fillParts(dictionary, u, labels);
-  return u.symbol;
-}
-
 int32_t itemUelNumbers(ovdHandle dictionary, bool column, int32_t index, int32_t* uels,
                        int32_t& dim) {
   const ItemUels u = column ? colUels(dictionary, index) : rowUels(dictionary, index);

@@ -60,13 +60,10 @@ void varItemLabelParts(RunContext& run, ovdHandle dictionary, int32_t col, std::
                        int32_t& symbolLength, TextTable labels, int32_t& dim,
                        int32_t& isNewSymbol);
 
-// Symbol number of row or column `index` (1-based), with `dim` and its labels as form
-// LABEL_PARTS gives them, but not the symbol's name: a walk over many items names a symbol
-// once, with symbolNameOf, when the number changes.
-int32_t itemLabelParts(ovdHandle dictionary, bool column, int32_t index, TextTable labels,
-                       int32_t& dim);
-// The same without the labels' text: their UEL numbers into uels[0..dim-1] (room for
-// MAX_SYMBOL_DIM), whose text labelPart gives when it is needed.
+// Symbol number of row or column `index` (1-based), with `dim` and the UEL numbers of its
+// labels in uels[0..dim-1] (room for MAX_SYMBOL_DIM), but neither the symbol's name nor the
+// labels' text: a walk over many items names a symbol once, with symbolNameOf, when the number
+// changes, and fetches a label's text with labelPart only when it reads it.
 int32_t itemUelNumbers(ovdHandle dictionary, bool column, int32_t index, int32_t* uels,
                        int32_t& dim);
 // The text of UEL `uel` into labels[k], as form LABEL_PARTS gives a label.

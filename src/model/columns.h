@@ -39,7 +39,7 @@ inline ColumnWalk columnWalk(const RunContext& run, Vec1<double> colScale, Vec1<
 }
 
 // Hands each entry of column j, in the host's order, to visit(row, coefficient, nonlinear);
-// an empty column gives nothing. Read from the store, it first hands ahead(row, value) the
+// an empty column gives nothing. Read from the store, it first hands ahead(row) the row of the
 // entry COLUMN_LOOK_AHEAD places further on (in this column or a later one), so that a pass
 // can ask for that row's data before it needs it; through the host it never calls ahead.
 template <class Visit, class Ahead>
@@ -47,9 +47,8 @@ void walkColumnAhead(const ColumnWalk& w, int32_t j, Visit&& visit, Ahead&& ahea
   if (w.store != nullptr) {
     const ModelStore& s = *w.store;
     const int32_t end = s.jacColStart[j + 1];
-    const int32_t last = s.jacNzCount - COLUMN_LOOK_AHEAD;
     for (int32_t k = s.jacColStart[j]; k < end; ++k) {
-      if (k <= last) ahead(s.jacRow[k + COLUMN_LOOK_AHEAD], s.jacValue[k + COLUMN_LOOK_AHEAD]);
+      if (const int32_t later = storeRowAhead(s, k); later > 0) ahead(later);
       const int32_t row = s.jacRow[k];
       const double value = s.jacValue[k];
       visit(row, w.scaled ? value / w.colScale[j] * w.rowScale[row] : value, 0);
@@ -69,5 +68,5 @@ void walkColumnAhead(const ColumnWalk& w, int32_t j, Visit&& visit, Ahead&& ahea
 
 template <class Visit>
 void walkColumn(const ColumnWalk& w, int32_t j, Visit&& visit) {
-  walkColumnAhead(w, j, visit, [](int32_t, double) {});
+  walkColumnAhead(w, j, visit, [](int32_t) {});
 }

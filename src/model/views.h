@@ -37,11 +37,6 @@ struct Table2 {
     assert(i >= 1 && i <= rows && k >= 1 && k <= cols);
     return base[(i - 1) + static_cast<int64_t>(k - 1) * rows];
   }
-  // Column k as a vector of `rows` elements.
-  Vec1<T> column(int32_t k) const {
-    assert(k >= 1 && k <= cols);
-    return {base + static_cast<int64_t>(k - 1) * rows, rows};
-  }
   void fill(const T& v) const {
     const int64_t total = static_cast<int64_t>(rows) * cols;
     for (int64_t p = 0; p < total; ++p) base[p] = v;
@@ -60,11 +55,6 @@ struct Table3 {
   T& operator()(int32_t i, int32_t t, int32_t s) const {
     assert(i >= 1 && i <= n1 && t >= 1 && t <= n2 && s >= 1 && s <= n3);
     return base[(i - 1) + static_cast<int64_t>(n1) * ((t - 1) + static_cast<int64_t>(n2) * (s - 1))];
-  }
-  // The n1 elements (., t, s) as a vector.
-  Vec1<T> column(int32_t t, int32_t s) const {
-    assert(t >= 1 && t <= n2 && s >= 1 && s <= n3);
-    return {base + static_cast<int64_t>(n1) * ((t - 1) + static_cast<int64_t>(n2) * (s - 1)), n1};
   }
   void fill(const T& v) const {
     const int64_t total = static_cast<int64_t>(n1) * n2 * n3;

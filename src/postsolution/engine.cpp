@@ -10,8 +10,8 @@
 
 #include "analysis/analysis.h"
 #include "host/host.h"
-#include "model/blocks.h"
 #include "host/memory.h"
+#include "model/blocks.h"
 #include "model/columns.h"
 #include "postsolution/engine_internal.h"
 #include "request/item_selection.h"
@@ -210,7 +210,7 @@ void loadColumns(Engine& e) {
     }
     for (int32_t k = store.jacColStart[j]; k < store.jacColStart[j + 1]; ++k) {
       // Rows far apart in memory: ask for a later entry's count now.
-      if (const int32_t ahead = storeRowAhead(store, k); ahead > 0) hostPrefetch(&r.rowFill[ahead]);
+      if (const int32_t later = storeRowAhead(store, k); later > 0) hostPrefetch(&r.rowFill[later]);
       const int32_t i = store.jacRow[k];
       r.rowFill[i] += 1;
       if (copy) {
