@@ -96,7 +96,10 @@ bool generateMps(const MpsGeneratorSettings& s, std::FILE* out) {
   }
 
   std::fprintf(out, "RHS\n");
-  if (!s.glpkComparable) w.line("", "RHS", "cost", 12.5);
+  // An objective constant of 12.5. The row keeps -12.5 as its right-hand side: a positive one
+  // would be a finding of ANALYSIS on a row that cannot be infeasible (the objective row's
+  // activity is not summed), shown with its million entries.
+  if (!s.glpkComparable) w.line("", "RHS", "cost", -12.5);
   for (int e = 0; e < 6; ++e)
     for (int64_t k = 0; k < perEqu; ++k)
       if (k % 4 != 3) w.line("", "RHS", w.member(kEquSymbols[e], k), rnd.value(100));
