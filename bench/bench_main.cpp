@@ -1,14 +1,16 @@
 // modrake-bench: generated models of growing size, each read by `glpsol --check` and diagnosed
-// by `orva --no-solve`, the two run one after the other in the same run; prints wall time,
-// peak memory (the largest process), their ratios, orva's phases and the growth from size to
-// size, and checks the targets on the largest size.
+// by `orva --no-solve`, the two run one after the other, REPEAT times in turn; prints, for the
+// run of the median wall time of each, wall time, peak memory (the largest process), their
+// ratios, orva's phases and the growth from size to size, and checks the targets on the
+// largest size.
 //
-//   modrake-bench DIR ORVA [COLUMNS...]     (default sizes 250000 500000 1000000)
+//   modrake-bench DIR ORVA REPEAT [COLUMNS...]     (default sizes 250000 500000 1000000)
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -74,6 +76,24 @@ Run run(const std::vector<std::string>& argv, const std::string& out, const std:
   return r;
 }
 
+// The run of the median wall time (of an even number, the faster of the middle two).
+Run median(std::vector<Run> runs) {
+  std::sort(runs.begin(), runs.end(),
+            [](const Run& a, const Run& b) { return a.seconds < b.seconds; });
+  return runs[(runs.size() - 1) / 2];
+}
+
+// The wall times of the runs, in the order they ran.
+std::string wallTimes(const std::vector<Run>& runs, const char* format) {
+  std::string out;
+  char buffer[32];
+  for (const Run& r : runs) {
+    std::snprintf(buffer, sizeof buffer, format, r.seconds);
+    out += buffer;
+  }
+  return out;
+}
+
 // orva's phases from its --timings lines "orva: time PHASE SECONDS", in order.
 std::vector<std::pair<std::string, double>> phases(const std::string& err) {
   std::vector<std::pair<std::string, double>> out;
@@ -98,14 +118,15 @@ bool isProcedure(const std::string& phase) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) {
-    std::fprintf(stderr, "usage: modrake-bench DIR ORVA [COLUMNS...]\n");
+  const int repeat = argc >= 4 ? std::atoi(argv[3]) : 0;
+  if (argc < 4 || repeat < 1) {
+    std::fprintf(stderr, "usage: modrake-bench DIR ORVA REPEAT [COLUMNS...]\n");
     return 2;
   }
   const std::string dir = argv[1];
   const std::string orva = argv[2];
   std::vector<long long> sizes;
-  for (int k = 3; k < argc; ++k) sizes.push_back(std::atoll(argv[k]));
+  for (int k = 4; k < argc; ++k) sizes.push_back(std::atoll(argv[k]));
   if (sizes.empty()) sizes = {250000, 500000, 1000000};
   {
     std::ofstream requests(dir + "/bench.mrk");
@@ -128,16 +149,22 @@ int main(int argc, char** argv) {
     }
     std::fclose(f);
     Result r{columns, {}, {}, {}};
-    r.glpsol = run({"glpsol", "--freemps", model, "--check"}, dir + "/glpsol.out",
-                   dir + "/glpsol.err");
-    r.orva = run({orva, model, "--no-solve", "--timings", "--requests", dir + "/bench.mrk",
-                  "--listing", dir + "/bench.lst"},
-                 dir + "/orva.out", dir + "/orva.err");
-    if (r.glpsol.status != 0 || r.orva.status != 0) {
-      std::fprintf(stderr, "modrake-bench: a run failed (glpsol %d, orva %d):\n%s", r.glpsol.status,
-                   r.orva.status, r.orva.err.c_str());
-      return 1;
+    std::vector<Run> glpsolRuns, orvaRuns;
+    for (int k = 0; k < repeat; ++k) {
+      glpsolRuns.push_back(run({"glpsol", "--freemps", model, "--check"}, dir + "/glpsol.out",
+                               dir + "/glpsol.err"));
+      orvaRuns.push_back(run({orva, model, "--no-solve", "--timings", "--requests",
+                              dir + "/bench.mrk", "--listing", dir + "/bench.lst"},
+                             dir + "/orva.out", dir + "/orva.err"));
+      if (glpsolRuns.back().status != 0 || orvaRuns.back().status != 0) {
+        std::fprintf(stderr, "modrake-bench: a run failed (glpsol %d, orva %d):\n%s",
+                     glpsolRuns.back().status, orvaRuns.back().status,
+                     orvaRuns.back().err.c_str());
+        return 1;
+      }
     }
+    r.glpsol = median(glpsolRuns);
+    r.orva = median(orvaRuns);
     r.phases = phases(r.orva.err);
     std::error_code ec;
     std::ifstream sizeOf(model, std::ios::ate | std::ios::binary);
@@ -153,6 +180,10 @@ int main(int argc, char** argv) {
     std::printf("  %-28s %10.3f %10.3f %10.3f\n", "orva / glpsol",
                 r.orva.seconds / r.glpsol.seconds, r.orva.cpuSeconds / r.glpsol.cpuSeconds,
                 r.orva.peakMb / r.glpsol.peakMb);
+    if (repeat > 1) {
+      std::printf("  wall s of the %d runs, the median shown: glpsol%s, orva%s\n", repeat,
+                  wallTimes(glpsolRuns, " %.2f").c_str(), wallTimes(orvaRuns, " %.2f").c_str());
+    }
     std::printf("  phases of orva (s, and as a part of glpsol's time):\n");
     for (const auto& [phase, seconds] : r.phases)
       std::printf("    %-26s %10.3f %10.4f\n", phase.c_str(), seconds, seconds / r.glpsol.seconds);

@@ -32,10 +32,7 @@ std::string composeName(const HostInstance& inst, int32_t symbol, const int32_t*
   return hostMakeName(inst.symbols[symbol - 1].name, std::move(labels)).full;
 }
 
-}  // namespace
-
-namespace {
-
+// The basis status of a row or column at `level`, as hostDefaultStatuses gives it.
 int32_t rowStatAt(const HostInstance& inst, std::size_t i, double level) {
   if (inst.rowType[i] != kRowN && nearValue(level, inst.rowRhs[i]))
     return inst.rowType[i] == kRowL ? 1 : 0;
